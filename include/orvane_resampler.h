@@ -120,7 +120,7 @@ MVK_API void orvane_resampler_get_processing_block_size(const orvane_resampler *
 /* Latency in frames of the output: 0 for factor 1, 13 for any other factor
  * going down, 27 going up by 2 and 54 going up by any further factor. (The
  * filter's centre is exact at 13 and 27. Going up by 4 it lies at 55.) */
-MVK_API int32_t orvane_resampler_get_output_latency(const orvane_resampler *handle);
+MVK_API uint32_t orvane_resampler_get_output_latency(const orvane_resampler *handle);
 
 /* One block of all channels to the higher rate; with F the factor, x the
  * stream so far and h the prototype of that factor (zero outside its taps):

@@ -1,0 +1,156 @@
+// Streams in memory: where their channels start, and their samples as floats.
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+
+#include "acli.h"
+#include "core/log.h"
+#include "core/strided.h"
+#include "orvane_resampler.h"
+
+namespace {
+
+// ---- Samples ----------------------------------------------------------------
+
+using bits32 = std::uint32_t;  // a float that is copied: as bits, so that a NaN keeps its own
+
+bits32 copy(bits32 x) {
+  return x;
+}
+
+float number(float x) {
+  return x == x ? x : 0.0f;
+}
+
+float from_int16(std::int16_t k) {
+  return static_cast<float>(k) * 0x1p-15f;
+}
+float from_int32(std::int32_t k) {
+  return static_cast<float>(k) * 0x1p-31f;
+}
+float from_int32_in_64(std::int64_t k) {
+  return from_int32(static_cast<std::int32_t>(k));
+}
+float from_float64(double x) {
+  return static_cast<float>(x);
+}
+
+// Clamping before the rounding gives what clamping the rounded integer would,
+// on every processor.
+std::int16_t to_int16(float x) {
+  const float clamped = std::min(std::max(number(x * 0x1p15f), -0x1p15f), 0x1p15f - 1);
+  return static_cast<std::int16_t>(static_cast<int>(std::rint(clamped)));
+}
+
+// The upper limit is tested on the fraction, the lower one on the scaled value.
+std::int32_t to_int32(float x) {
+  const bool over = x >= 1.0f;
+  const float scaled = std::max(number(over ? 0.0f : x * 0x1p31f), -0x1p31f);
+  return over ? INT32_MAX : static_cast<std::int32_t>(std::rint(scaled));
+}
+std::int64_t to_int32_in_64(float x) {
+  return to_int32(x);
+}
+double to_float64(float x) {
+  return x;
+}
+
+// ---- Runs of samples ----------------------------------------------------------
+
+// Samples of one channel, `step` bytes apart.
+struct run {
+  char *start;
+  std::uint64_t step;
+};
+
+// Converts n samples in order, by chunks: read, converted as one contiguous
+// array, written. In place that is as good as sample by sample, since a chunk's
+// samples lie behind all that has been written.
+template <class From, class To, To sample(From)>
+void convert_run(run src, run dst, unsigned n) {
+  constexpr unsigned chunk = 64;
+  From from[chunk];
+  To to[chunk];
+  while (n > 0) {
+    const unsigned count = std::min(n, chunk);
+    mvk::gather(from, src.start, src.step, count);
+    for (unsigned i = 0; i < count; ++i) to[i] = sample(from[i]);
+    mvk::scatter(dst.start, dst.step, to, count);
+    src.start += count * src.step;
+    dst.start += count * dst.step;
+    n -= count;
+  }
+}
+
+struct conversion {
+  std::int32_t from, to;
+  void (*run)(run src, run dst, unsigned n);
+};
+
+constexpr conversion conversions[] = {
+    {DT_LONG, DT_LONG, convert_run<bits32, bits32, copy>},
+    {DT_LONG, DT_FLOAT32, convert_run<bits32, bits32, copy>},
+    {DT_FLOAT32, DT_LONG, convert_run<bits32, bits32, copy>},
+    {DT_LONG, DT_INT16, convert_run<float, std::int16_t, to_int16>},
+    {DT_INT16, DT_LONG, convert_run<std::int16_t, float, from_int16>},
+    {DT_LONG, DT_INT32, convert_run<float, std::int32_t, to_int32>},
+    {DT_INT32, DT_LONG, convert_run<std::int32_t, float, from_int32>},
+    {DT_LONG, DT_INT32_IN_64, convert_run<float, std::int64_t, to_int32_in_64>},
+    {DT_INT32_IN_64, DT_LONG, convert_run<std::int64_t, float, from_int32_in_64>},
+    {DT_LONG, DT_FLOAT64, convert_run<float, double, to_float64>},
+    {DT_FLOAT64, DT_LONG, convert_run<double, float, from_float64>},
+};
+
+// Bytes of one sample, 0 for an unknown datatype.
+unsigned width(std::int32_t datatype) {
+  switch (datatype) {
+    case DT_BYTE_A:
+    case DT_BYTE_B:
+      return 1;
+    case DT_INT16:
+      return 2;
+    case DT_LONG:
+    case DT_INT32:
+    case DT_FLOAT32:
+      return 4;
+    case DT_INT32_IN_64:
+    case DT_FLOAT64:
+      return 8;
+    default:
+      return 0;
+  }
+}
+
+// Channel c from frame `frame` on.
+run channel_run(const orvane_stream_desc &stream, unsigned c, std::uint64_t frame) {
+  const std::uint64_t step = stream.stride * width(stream.datatype);
+  return {static_cast<char *>(stream.channel_ptrs[c]) + frame * step, step};
+}
+
+}  // namespace
+
+std::int32_t acli_set_channel_ptrs(void *buffer, orvane_stream_desc *desc,
+                                   std::uint64_t byte_count) {
+  const std::uint32_t channels = desc->nchannels;
+  std::uint64_t step;
+  if (channels <= static_cast<std::uint32_t>(desc->stride)) {
+    step = width(desc->datatype);
+    if (step == 0) mvk::log_error("ERROR: datatype not supported\n");
+  } else {
+    step = byte_count / channels;
+    if (step * channels != byte_count) return -1;
+  }
+  for (std::uint32_t c = 0; c < channels; ++c)
+    desc->channel_ptrs[c] = static_cast<char *>(buffer) + c * step;
+  return 0;
+}
+
+void orvane_stream_convert(const orvane_stream_desc *src, const orvane_stream_desc *dst,
+                           unsigned src_frame, unsigned dst_frame, unsigned frames, int /*mode*/) {
+  for (const conversion &known : conversions) {
+    if (known.from != src->datatype || known.to != dst->datatype) continue;
+    for (std::uint32_t c = 0; c < src->nchannels; ++c)
+      known.run(channel_run(*src, c, src_frame), channel_run(*dst, c, dst_frame), frames);
+    return;
+  }
+}

@@ -1,0 +1,10 @@
+// The platform's log.
+#pragma once
+
+namespace mvk {
+
+// Writes text, which has no conversions in it and ends its own line, as an
+// error without a tag.
+void log_error(const char *text);
+
+}  // namespace mvk

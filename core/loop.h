@@ -1,0 +1,37 @@
+// Loops over samples, with their tails.
+#pragma once
+
+#include <cstddef>
+#include <utility>
+
+#include "core/simd.h"
+
+namespace mvk {
+
+// Runs body.operator()<V>(i) over samples i to i + lanes<V> - 1 until n samples
+// are done: in eights, then at most one four, then one at a time. No sample is
+// visited twice, so a body may work in place.
+//
+//     counted(n, [&]<class V>(size_t i) { store(y + i, load<V>(x + i) * splat<V>(g)); });
+template <class Body>
+inline void counted(std::size_t n, Body body) {
+  std::size_t i = 0;
+  for (; n - i >= 8; i += 8) body.template operator()<f32x8>(i);
+  if (n - i >= 4) {
+    body.template operator()<f32x4>(i);
+    i += 4;
+  }
+  for (; i < n; ++i) body.template operator()<float>(i);
+}
+
+// Runs body(k) for k from 0 to N - 1 as straight code, k being a constant, so
+// that arrays indexed by k stay in registers.
+template <int N, class Body>
+[[gnu::always_inline]] inline void unrolled(Body body) {
+  [&]<int... K>(std::integer_sequence<int, K...>) [[gnu::always_inline]] {
+    (body(std::integral_constant<int, K>{}), ...);
+  }
+  (std::make_integer_sequence<int, N>{});
+}
+
+}  // namespace mvk

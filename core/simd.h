@@ -1,0 +1,67 @@
+// The vector types and the notation of arithmetic.
+//
+// f32x4 and f32x8 are small value types with named operations, and the same
+// operations are overloaded for float, and double where it makes sense, so that
+// an equation is written once, as a template over V, for vector bodies and
+// scalar tails alike. Each backend file gives f32x4; f32x8 is a register of its
+// own where the processor has one and two f32x4 elsewhere. All backends give the
+// same bits.
+//
+//   lanes<V>                     samples in a V: 1, 4, 8
+//   load<V>(p), store(p, v)      any float address
+//   splat<V>(x)                  x in every lane
+//   a + b, a - b, a * b, a / b   one rounding each
+//   fma(a, b, c)                 a * b + c, one rounding
+//   fms(a, b, c)                 c - a * b, one rounding
+//   fnms(a, b, c)                a * b - c, one rounding
+//   maxnum, minnum               IEEE 754-2008 maxNum and minNum: a number beats
+//                                a (quiet) NaN; +0 is greater than -0
+//   max_propagating,             a NaN in either operand gives a NaN;
+//   min_propagating              +0 is greater than -0
+//   reverse(v)                   lanes in reverse order
+//   interleave(a, b)             {a0 b0 a1 b1 ..., the upper half likewise}
+//   deinterleave(a, b)           its inverse: {even lanes, odd lanes}
+//   transpose(rows)              square block of as many rows as lanes, in place
+//
+// (The names fms and fnms are the equations' own: x86's fmsub is fnms here and
+// its fnmadd is fms.)
+#pragma once
+
+#include <bit>
+#include <cmath>
+#include <cstdint>
+
+namespace mvk {
+
+// The two halves of what a pair of vectors is rearranged into.
+template <class V>
+struct halves {
+  V lo, hi;
+};
+
+}  // namespace mvk
+
+#if defined(MVK_SIMD_AVX2)
+#include "core/simd/avx2.h"
+#elif defined(MVK_SIMD_NEON)
+#include "core/simd/neon.h"
+#elif defined(MVK_SIMD_PORTABLE)
+#include "core/simd/portable.h"
+#else
+#error "no vector backend: the build defines MVK_SIMD_AVX2, MVK_SIMD_NEON or MVK_SIMD_PORTABLE"
+#endif
+
+#include "core/simd/scalar.h"
+
+namespace mvk {
+
+template <class V>
+inline constexpr int lanes = sizeof(V) / sizeof(float);
+
+// 2^k by its exponent's bits, (k + 127) << 23, unchecked: k = -127 gives 0,
+// k = 128 infinity, and beyond that the pattern wraps, sign bit included.
+constexpr float exp2_bits(std::int32_t k) {
+  return std::bit_cast<float>((static_cast<std::uint32_t>(k) + 127u) << 23);
+}
+
+}  // namespace mvk

@@ -1,0 +1,191 @@
+// f32x4 and f32x8 on AVX2 with FMA.
+#pragma once
+
+#include <immintrin.h>
+
+namespace mvk {
+
+struct f32x4 {
+  __m128 v;
+};
+struct f32x8 {
+  __m256 v;
+};
+
+template <class V>
+V load(const float *p);
+template <class V>
+V splat(float x);
+
+template <>
+inline f32x4 load<f32x4>(const float *p) {
+  return {_mm_loadu_ps(p)};
+}
+template <>
+inline f32x8 load<f32x8>(const float *p) {
+  return {_mm256_loadu_ps(p)};
+}
+template <>
+inline f32x4 splat<f32x4>(float x) {
+  return {_mm_set1_ps(x)};
+}
+template <>
+inline f32x8 splat<f32x8>(float x) {
+  return {_mm256_set1_ps(x)};
+}
+inline void store(float *p, f32x4 a) {
+  _mm_storeu_ps(p, a.v);
+}
+inline void store(float *p, f32x8 a) {
+  _mm256_storeu_ps(p, a.v);
+}
+
+inline f32x4 operator+(f32x4 a, f32x4 b) {
+  return {_mm_add_ps(a.v, b.v)};
+}
+inline f32x8 operator+(f32x8 a, f32x8 b) {
+  return {_mm256_add_ps(a.v, b.v)};
+}
+inline f32x4 operator-(f32x4 a, f32x4 b) {
+  return {_mm_sub_ps(a.v, b.v)};
+}
+inline f32x8 operator-(f32x8 a, f32x8 b) {
+  return {_mm256_sub_ps(a.v, b.v)};
+}
+inline f32x4 operator*(f32x4 a, f32x4 b) {
+  return {_mm_mul_ps(a.v, b.v)};
+}
+inline f32x8 operator*(f32x8 a, f32x8 b) {
+  return {_mm256_mul_ps(a.v, b.v)};
+}
+inline f32x4 operator/(f32x4 a, f32x4 b) {
+  return {_mm_div_ps(a.v, b.v)};
+}
+inline f32x8 operator/(f32x8 a, f32x8 b) {
+  return {_mm256_div_ps(a.v, b.v)};
+}
+
+inline f32x4 fma(f32x4 a, f32x4 b, f32x4 c) {
+  return {_mm_fmadd_ps(a.v, b.v, c.v)};
+}
+inline f32x8 fma(f32x8 a, f32x8 b, f32x8 c) {
+  return {_mm256_fmadd_ps(a.v, b.v, c.v)};
+}
+inline f32x4 fms(f32x4 a, f32x4 b, f32x4 c) {
+  return {_mm_fnmadd_ps(a.v, b.v, c.v)};
+}
+inline f32x8 fms(f32x8 a, f32x8 b, f32x8 c) {
+  return {_mm256_fnmadd_ps(a.v, b.v, c.v)};
+}
+inline f32x4 fnms(f32x4 a, f32x4 b, f32x4 c) {
+  return {_mm_fmsub_ps(a.v, b.v, c.v)};
+}
+inline f32x8 fnms(f32x8 a, f32x8 b, f32x8 c) {
+  return {_mm256_fmsub_ps(a.v, b.v, c.v)};
+}
+
+// MAXPS and MINPS give their second operand for two zeros and for a NaN. Both
+// orders together settle the zeros: equal operands differ at most in the sign
+// bit, which AND clears for the maximum and OR sets for the minimum.
+namespace detail {
+
+inline __m128 nan(__m128 a) {
+  return _mm_cmpunord_ps(a, a);
+}
+inline __m256 nan(__m256 a) {
+  return _mm256_cmp_ps(a, a, _CMP_UNORD_Q);
+}
+inline __m128 either_nan(__m128 a, __m128 b) {
+  return _mm_cmpunord_ps(a, b);
+}
+inline __m256 either_nan(__m256 a, __m256 b) {
+  return _mm256_cmp_ps(a, b, _CMP_UNORD_Q);
+}
+inline __m128 select(__m128 mask, __m128 a, __m128 b) {
+  return _mm_blendv_ps(b, a, mask);
+}
+inline __m256 select(__m256 mask, __m256 a, __m256 b) {
+  return _mm256_blendv_ps(b, a, mask);
+}
+
+inline __m128 ordered_max(__m128 a, __m128 b) {
+  return _mm_and_ps(_mm_max_ps(a, b), _mm_max_ps(b, a));
+}
+inline __m256 ordered_max(__m256 a, __m256 b) {
+  return _mm256_and_ps(_mm256_max_ps(a, b), _mm256_max_ps(b, a));
+}
+inline __m128 ordered_min(__m128 a, __m128 b) {
+  return _mm_or_ps(_mm_min_ps(a, b), _mm_min_ps(b, a));
+}
+inline __m256 ordered_min(__m256 a, __m256 b) {
+  return _mm256_or_ps(_mm256_min_ps(a, b), _mm256_min_ps(b, a));
+}
+
+}  // namespace detail
+
+template <class V>
+inline V maxnum(V a, V b) {
+  const auto m = detail::select(detail::nan(b.v), a.v, detail::ordered_max(a.v, b.v));
+  return {detail::select(detail::nan(a.v), b.v, m)};
+}
+template <class V>
+inline V minnum(V a, V b) {
+  const auto m = detail::select(detail::nan(b.v), a.v, detail::ordered_min(a.v, b.v));
+  return {detail::select(detail::nan(a.v), b.v, m)};
+}
+template <class V>
+inline V max_propagating(V a, V b) {
+  return {detail::select(detail::either_nan(a.v, b.v), (a + b).v, detail::ordered_max(a.v, b.v))};
+}
+template <class V>
+inline V min_propagating(V a, V b) {
+  return {detail::select(detail::either_nan(a.v, b.v), (a + b).v, detail::ordered_min(a.v, b.v))};
+}
+
+inline f32x4 reverse(f32x4 a) {
+  return {_mm_permute_ps(a.v, 0x1b)};
+}
+inline f32x8 reverse(f32x8 a) {
+  return {_mm256_permute2f128_ps(_mm256_permute_ps(a.v, 0x1b), _mm256_permute_ps(a.v, 0x1b), 1)};
+}
+
+inline halves<f32x4> interleave(f32x4 a, f32x4 b) {
+  return {{_mm_unpacklo_ps(a.v, b.v)}, {_mm_unpackhi_ps(a.v, b.v)}};
+}
+inline halves<f32x8> interleave(f32x8 a, f32x8 b) {
+  const __m256 even = _mm256_unpacklo_ps(a.v, b.v), odd = _mm256_unpackhi_ps(a.v, b.v);
+  return {{_mm256_permute2f128_ps(even, odd, 0x20)}, {_mm256_permute2f128_ps(even, odd, 0x31)}};
+}
+
+inline halves<f32x4> deinterleave(f32x4 a, f32x4 b) {
+  return {{_mm_shuffle_ps(a.v, b.v, 0x88)}, {_mm_shuffle_ps(a.v, b.v, 0xdd)}};
+}
+inline halves<f32x8> deinterleave(f32x8 a, f32x8 b) {
+  const __m256 first = _mm256_permute2f128_ps(a.v, b.v, 0x20);
+  const __m256 second = _mm256_permute2f128_ps(a.v, b.v, 0x31);
+  return {{_mm256_shuffle_ps(first, second, 0x88)}, {_mm256_shuffle_ps(first, second, 0xdd)}};
+}
+
+inline void transpose(f32x4 (&r)[4]) {
+  _MM_TRANSPOSE4_PS(r[0].v, r[1].v, r[2].v, r[3].v);
+}
+
+inline void transpose(f32x8 (&r)[8]) {
+  __m256 pairs[8], quads[8];
+  for (int i = 0; i < 8; i += 4) {
+    for (int j = i; j < i + 4; j += 2) {
+      pairs[j] = _mm256_unpacklo_ps(r[j].v, r[j + 1].v);
+      pairs[j + 1] = _mm256_unpackhi_ps(r[j].v, r[j + 1].v);
+    }
+    quads[i] = _mm256_shuffle_ps(pairs[i], pairs[i + 2], 0x44);
+    quads[i + 1] = _mm256_shuffle_ps(pairs[i], pairs[i + 2], 0xee);
+    quads[i + 2] = _mm256_shuffle_ps(pairs[i + 1], pairs[i + 3], 0x44);
+    quads[i + 3] = _mm256_shuffle_ps(pairs[i + 1], pairs[i + 3], 0xee);
+  }
+  for (int i = 0; i < 4; ++i) {
+    r[i] = {_mm256_permute2f128_ps(quads[i], quads[4 + i], 0x20)};
+    r[4 + i] = {_mm256_permute2f128_ps(quads[i], quads[4 + i], 0x31)};
+  }
+}
+
+}  // namespace mvk

@@ -1,0 +1,89 @@
+// f32x8 as two f32x4, for processors without an eight-lane unit.
+#pragma once
+
+namespace mvk {
+
+struct f32x8 {
+  f32x4 lo, hi;
+};
+
+template <>
+inline f32x8 load<f32x8>(const float *p) {
+  return {load<f32x4>(p), load<f32x4>(p + 4)};
+}
+template <>
+inline f32x8 splat<f32x8>(float x) {
+  return {splat<f32x4>(x), splat<f32x4>(x)};
+}
+inline void store(float *p, f32x8 v) {
+  store(p, v.lo);
+  store(p + 4, v.hi);
+}
+
+inline f32x8 operator+(f32x8 a, f32x8 b) {
+  return {a.lo + b.lo, a.hi + b.hi};
+}
+inline f32x8 operator-(f32x8 a, f32x8 b) {
+  return {a.lo - b.lo, a.hi - b.hi};
+}
+inline f32x8 operator*(f32x8 a, f32x8 b) {
+  return {a.lo * b.lo, a.hi * b.hi};
+}
+inline f32x8 operator/(f32x8 a, f32x8 b) {
+  return {a.lo / b.lo, a.hi / b.hi};
+}
+
+inline f32x8 fma(f32x8 a, f32x8 b, f32x8 c) {
+  return {fma(a.lo, b.lo, c.lo), fma(a.hi, b.hi, c.hi)};
+}
+inline f32x8 fms(f32x8 a, f32x8 b, f32x8 c) {
+  return {fms(a.lo, b.lo, c.lo), fms(a.hi, b.hi, c.hi)};
+}
+inline f32x8 fnms(f32x8 a, f32x8 b, f32x8 c) {
+  return {fnms(a.lo, b.lo, c.lo), fnms(a.hi, b.hi, c.hi)};
+}
+
+inline f32x8 maxnum(f32x8 a, f32x8 b) {
+  return {maxnum(a.lo, b.lo), maxnum(a.hi, b.hi)};
+}
+inline f32x8 minnum(f32x8 a, f32x8 b) {
+  return {minnum(a.lo, b.lo), minnum(a.hi, b.hi)};
+}
+inline f32x8 max_propagating(f32x8 a, f32x8 b) {
+  return {max_propagating(a.lo, b.lo), max_propagating(a.hi, b.hi)};
+}
+inline f32x8 min_propagating(f32x8 a, f32x8 b) {
+  return {min_propagating(a.lo, b.lo), min_propagating(a.hi, b.hi)};
+}
+
+inline f32x8 reverse(f32x8 v) {
+  return {reverse(v.hi), reverse(v.lo)};
+}
+
+inline halves<f32x8> interleave(f32x8 a, f32x8 b) {
+  const auto lo = interleave(a.lo, b.lo), hi = interleave(a.hi, b.hi);
+  return {{lo.lo, lo.hi}, {hi.lo, hi.hi}};
+}
+inline halves<f32x8> deinterleave(f32x8 a, f32x8 b) {
+  const auto lo = deinterleave(a.lo, a.hi), hi = deinterleave(b.lo, b.hi);
+  return {{lo.lo, hi.lo}, {lo.hi, hi.hi}};
+}
+
+inline void transpose(f32x8 (&r)[8]) {
+  const auto quarter = [&r](int row, f32x4 f32x8::*half) {
+    f32x4 q[4] = {r[row].*half, r[row + 1].*half, r[row + 2].*half, r[row + 3].*half};
+    transpose(q);
+    for (int i = 0; i < 4; ++i) r[row + i].*half = q[i];
+  };
+  quarter(0, &f32x8::lo);
+  quarter(0, &f32x8::hi);
+  quarter(4, &f32x8::lo);
+  quarter(4, &f32x8::hi);
+  for (int i = 0; i < 4; ++i) {
+    const f32x4 upper_right = r[i].hi;
+    r[i].hi = r[4 + i].lo;
+    r[4 + i].lo = upper_right;
+  }
+}
+
+}  // namespace mvk

@@ -1,0 +1,90 @@
+// f32x4 as an array, lane by lane through the scalar notation: the definition
+// that the other backends answer to.
+#pragma once
+
+#include <utility>
+
+#include "core/simd/scalar.h"
+
+namespace mvk {
+
+struct f32x4 {
+  float v[4];
+};
+
+namespace detail {
+
+template <class Op, class... Vs>
+inline f32x4 each_lane(Op op, Vs... vs) {
+  return {{op(vs.v[0]...), op(vs.v[1]...), op(vs.v[2]...), op(vs.v[3]...)}};
+}
+
+}  // namespace detail
+
+template <>
+inline f32x4 load<f32x4>(const float *p) {
+  return {{p[0], p[1], p[2], p[3]}};
+}
+template <>
+inline f32x4 splat<f32x4>(float x) {
+  return {{x, x, x, x}};
+}
+inline void store(float *p, f32x4 v) {
+  for (int l = 0; l < 4; ++l) p[l] = v.v[l];
+}
+
+inline f32x4 operator+(f32x4 a, f32x4 b) {
+  return detail::each_lane([](float x, float y) { return x + y; }, a, b);
+}
+inline f32x4 operator-(f32x4 a, f32x4 b) {
+  return detail::each_lane([](float x, float y) { return x - y; }, a, b);
+}
+inline f32x4 operator*(f32x4 a, f32x4 b) {
+  return detail::each_lane([](float x, float y) { return x * y; }, a, b);
+}
+inline f32x4 operator/(f32x4 a, f32x4 b) {
+  return detail::each_lane([](float x, float y) { return x / y; }, a, b);
+}
+
+inline f32x4 fma(f32x4 a, f32x4 b, f32x4 c) {
+  return detail::each_lane(fma<float>, a, b, c);
+}
+inline f32x4 fms(f32x4 a, f32x4 b, f32x4 c) {
+  return detail::each_lane(fms<float>, a, b, c);
+}
+inline f32x4 fnms(f32x4 a, f32x4 b, f32x4 c) {
+  return detail::each_lane(fnms<float>, a, b, c);
+}
+
+inline f32x4 maxnum(f32x4 a, f32x4 b) {
+  return detail::each_lane(maxnum<float>, a, b);
+}
+inline f32x4 minnum(f32x4 a, f32x4 b) {
+  return detail::each_lane(minnum<float>, a, b);
+}
+inline f32x4 max_propagating(f32x4 a, f32x4 b) {
+  return detail::each_lane(max_propagating<float>, a, b);
+}
+inline f32x4 min_propagating(f32x4 a, f32x4 b) {
+  return detail::each_lane(min_propagating<float>, a, b);
+}
+
+inline f32x4 reverse(f32x4 a) {
+  return {{a.v[3], a.v[2], a.v[1], a.v[0]}};
+}
+
+inline halves<f32x4> interleave(f32x4 a, f32x4 b) {
+  return {{{a.v[0], b.v[0], a.v[1], b.v[1]}}, {{a.v[2], b.v[2], a.v[3], b.v[3]}}};
+}
+inline halves<f32x4> deinterleave(f32x4 a, f32x4 b) {
+  return {{{a.v[0], a.v[2], b.v[0], b.v[2]}}, {{a.v[1], a.v[3], b.v[1], b.v[3]}}};
+}
+
+inline void transpose(f32x4 (&r)[4]) {
+  for (int i = 0; i < 4; ++i)
+    for (int j = i + 1; j < 4; ++j) std::swap(r[i].v[j], r[j].v[i]);
+}
+
+}  // namespace mvk
+
+#include "core/simd/pair8.h"
