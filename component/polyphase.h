@@ -28,23 +28,22 @@ constexpr int taps(int phase) {
   return phase == 0 ? phase_slots : phase_slots - 4;
 }
 
+// A lane of as many neighbouring samples as keep the unit busy.
 inline constexpr int registers = 8;
-using sums = f32x8[registers];
 
-// Adds up what lane(l, acc) leaves in the accumulators of each lane.
-template <class Lane>
-[[gnu::always_inline]] inline void add_lanes(sums &total, Lane lane) {
-  const auto cleared_lane = [&](int l, sums &acc) {
-    unrolled<registers>([&](auto r) { acc[r] = splat<f32x8>(0); });
-    lane(l, acc);
-  };
-  sums a, b;
-  cleared_lane(0, total);
-  cleared_lane(1, a);
-  unrolled<registers>([&](auto r) { total[r] = total[r] + a[r]; });
-  cleared_lane(2, a);
-  cleared_lane(3, b);
-  unrolled<registers>([&](auto r) { total[r] = total[r] + (a[r] + b[r]); });
+struct sums {
+  f32x8 r[registers];
+};
+
+inline sums zero() {
+  sums a;
+  unrolled<registers>([&](auto i) { a.r[i] = splat<f32x8>(0); });
+  return a;
+}
+
+inline sums operator+(sums a, sums b) {
+  unrolled<registers>([&](auto i) { a.r[i] = a.r[i] + b.r[i]; });
+  return a;
 }
 
 inline void store_frames(float *y, f32x8 phase0, f32x8 phase1) {
@@ -70,31 +69,61 @@ inline void store_frames(float *y, f32x8 phase0, f32x8 phase1, f32x8 phase2, f32
 // over the window from i on.
 template <int F>
 inline void interpolate(float *y, const float *window, const float *const *phases) {
-  constexpr int per_phase = detail::registers / F;
+  using namespace detail;
+  constexpr int per_phase = registers / F;  // phase p has those from p * per_phase on
   for (int i = 0; i < phase_samples<F>; i += 8 * per_phase) {
-    detail::sums total;
-    // A lane's registers: phase p has those from p * per_phase on.
-    detail::add_lanes(total, [&](int l, detail::sums &acc) {
+    const auto lane = [&](int l) {
       const float *x = window + i;
+      sums acc = zero();
       int t = l;
-      for (; t < detail::taps(1); t += 4)
+      for (; t < taps(1); t += 4) {
+        f32x8 h[F];
+        unrolled<F>([&](auto p) { h[p] = splat<f32x8>(phases[p][t]); });
         unrolled<per_phase>([&](auto b) {
           const f32x8 samples = load<f32x8>(x + 8 * b + t);
           unrolled<F>([&](auto p) {
-            f32x8 &sum = acc[p * per_phase + b];
-            sum = fma(splat<f32x8>(phases[p][t]), samples, sum);
+            f32x8 &sum = acc.r[p * per_phase + b];
+            sum = fma(h[p], samples, sum);
           });
         });
-      const f32x8 last = splat<f32x8>(phases[0][t]);
-      unrolled<per_phase>([&](auto b) { acc[b] = fma(last, load<f32x8>(x + 8 * b + t), acc[b]); });
-    });
+      }
+      unrolled<per_phase>([&](auto b) {
+        acc.r[b] = fma(splat<f32x8>(phases[0][t]), load<f32x8>(x + 8 * b + t), acc.r[b]);
+      });
+      return acc;
+    };
+    const sums y_i = (lane(0) + lane(1)) + (lane(2) + lane(3));
     unrolled<per_phase>([&](auto b) {
       float *frames = y + F * (i + 8 * b);
       if constexpr (F == 2)
-        detail::store_frames(frames, total[b], total[2 * 2 + b]);
+        store_frames(frames, y_i.r[b], y_i.r[4 + b]);
       else
-        detail::store_frames(frames, total[b], total[2 + b], total[4 + b], total[6 + b]);
+        store_frames(frames, y_i.r[b], y_i.r[2 + b], y_i.r[4 + b], y_i.r[6 + b]);
     });
+  }
+}
+
+// Deals 256 contiguous samples out to the F phases.
+inline void split_phases(float (&phases)[2][window_length<2>], const float *x) {
+  for (int i = 0; i < phase_samples<2>; i += 8) {
+    const float *from = x + 2 * i;
+    const auto both = deinterleave(load<f32x8>(from), load<f32x8>(from + 8));
+    store(phases[0] + history_length + i, both.lo);
+    store(phases[1] + history_length + i, both.hi);
+  }
+}
+
+inline void split_phases(float (&phases)[4][window_length<4>], const float *x) {
+  for (int i = 0; i < phase_samples<4>; i += 8) {
+    const float *from = x + 4 * i;
+    const auto first = deinterleave(load<f32x8>(from), load<f32x8>(from + 8));
+    const auto second = deinterleave(load<f32x8>(from + 16), load<f32x8>(from + 24));
+    const auto even = deinterleave(first.lo, second.lo);
+    const auto odd = deinterleave(first.hi, second.hi);
+    store(phases[0] + history_length + i, even.lo);
+    store(phases[1] + history_length + i, odd.lo);
+    store(phases[2] + history_length + i, even.hi);
+    store(phases[3] + history_length + i, odd.hi);
   }
 }
 
@@ -103,18 +132,21 @@ inline void interpolate(float *y, const float *window, const float *const *phase
 template <int F>
 inline void decimate(float *y, const float (&windows)[F][window_length<F>],
                      const float *const *phases) {
-  for (int j = 0; j < phase_samples<F>; j += 8 * detail::registers) {
-    detail::sums total;
-    detail::add_lanes(total, [&](int l, detail::sums &acc) {
+  using namespace detail;
+  for (int j = 0; j < phase_samples<F>; j += 8 * registers) {
+    const auto lane = [&](int l) {
+      sums acc = zero();
       for (int p = 0; p < F; ++p)
-        for (int t = l; t < detail::taps(p); t += 4) {
+        for (int t = l; t < taps(p); t += 4) {
           const f32x8 coefficient = splat<f32x8>(phases[p][t]);
-          unrolled<detail::registers>([&](auto r) {
-            acc[r] = fma(coefficient, load<f32x8>(windows[p] + j + 8 * r + t), acc[r]);
-          });
+          const float *x = windows[p] + j + t;
+          unrolled<registers>(
+              [&](auto b) { acc.r[b] = fma(coefficient, load<f32x8>(x + 8 * b), acc.r[b]); });
         }
-    });
-    unrolled<detail::registers>([&](auto r) { store(y + j + 8 * r, total[r]); });
+      return acc;
+    };
+    const sums y_j = (lane(0) + lane(1)) + (lane(2) + lane(3));
+    unrolled<registers>([&](auto b) { store(y + j + 8 * b, y_j.r[b]); });
   }
 }
 

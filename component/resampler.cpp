@@ -70,13 +70,18 @@ channel float_channel(const orvane_stream_desc &stream, unsigned c) {
   return {static_cast<char *>(stream.channel_ptrs[c]), stream.stride * sizeof(float)};
 }
 
+// The channel's samples as an array, or null where they are apart or unaligned.
+float *as_array(channel samples) {
+  const bool aligned = reinterpret_cast<std::uintptr_t>(samples.start) % alignof(float) == 0;
+  if (!aligned || samples.step != sizeof(float)) return nullptr;
+  return reinterpret_cast<float *>(samples.start);
+}
+
 // Runs filter(y) so that its n results end up in the channel: at once where the
-// channel can take them, else by way of the stack.
+// channel is an array, else by way of the stack.
 template <int n, class Filter>
 void write_channel(channel out, Filter filter) {
-  const auto address = reinterpret_cast<std::uintptr_t>(out.start);
-  if (out.step == sizeof(float) && address % alignof(float) == 0)
-    return filter(reinterpret_cast<float *>(out.start));
+  if (float *y = as_array(out)) return filter(y);
   alignas(alignment) float y[n];
   filter(y);
   mvk::scatter(out.start, out.step, y, n);
@@ -109,9 +114,13 @@ void downsample(orvane_resampler &r, const orvane_stream_desc &in, const orvane_
     history *pasts = F == 2 ? r.two_phases[c] : r.four_phases[c];
     const channel x = float_channel(in, c);
     alignas(alignment) float windows[F][window_length<F>];
+    if (const float *samples = as_array(x))
+      mvk::split_phases(windows, samples);
+    else
+      for (int p = 0; p < F; ++p)
+        mvk::gather(windows[p] + history_length, x.start + p * x.step, F * x.step, n);
     for (int p = 0; p < F; ++p) {
       std::memcpy(windows[p], pasts[p], sizeof *pasts);
-      mvk::gather(windows[p] + history_length, x.start + p * x.step, F * x.step, n);
       std::memcpy(pasts[p], windows[p] + n, sizeof *pasts);
     }
     // The input's step, also for the output.
