@@ -70,10 +70,13 @@ channel float_channel(const orvane_stream_desc &stream, unsigned c) {
   return {static_cast<char *>(stream.channel_ptrs[c]), stream.stride * sizeof(float)};
 }
 
-// The channel's samples as an array, or null where they are apart or unaligned.
-float *as_array(channel samples) {
+// The channel is an array of floats, neither apart nor unaligned.
+bool is_array(channel samples) {
   const bool aligned = reinterpret_cast<std::uintptr_t>(samples.start) % alignof(float) == 0;
-  if (!aligned || samples.step != sizeof(float)) return nullptr;
+  return aligned && samples.step == sizeof(float);
+}
+
+float *as_array(channel samples) {
   return reinterpret_cast<float *>(samples.start);
 }
 
@@ -81,7 +84,7 @@ float *as_array(channel samples) {
 // channel is an array, else by way of the stack.
 template <int n, class Filter>
 void write_channel(channel out, Filter filter) {
-  if (float *y = as_array(out)) return filter(y);
+  if (is_array(out)) return filter(as_array(out));
   alignas(alignment) float y[n];
   filter(y);
   mvk::scatter(out.start, out.step, y, n);
@@ -114,8 +117,8 @@ void downsample(orvane_resampler &r, const orvane_stream_desc &in, const orvane_
     history *pasts = F == 2 ? r.two_phases[c] : r.four_phases[c];
     const channel x = float_channel(in, c);
     alignas(alignment) float windows[F][window_length<F>];
-    if (const float *samples = as_array(x))
-      mvk::split_phases(windows, samples);
+    if (is_array(x))
+      mvk::split_phases(windows, as_array(x));
     else
       for (int p = 0; p < F; ++p)
         mvk::gather(windows[p] + history_length, x.start + p * x.step, F * x.step, n);

@@ -26,12 +26,13 @@ inline void counted(std::size_t n, Body body) {
 
 // Runs body(k) for k from 0 to N - 1 as straight code, k being a constant, so
 // that arrays indexed by k stay in registers.
+template <class Body, int... K>
+[[gnu::always_inline]] inline void unrolled(Body body, std::integer_sequence<int, K...>) {
+  (body(std::integral_constant<int, K>{}), ...);
+}
 template <int N, class Body>
 [[gnu::always_inline]] inline void unrolled(Body body) {
-  [&]<int... K>(std::integer_sequence<int, K...>) [[gnu::always_inline]] {
-    (body(std::integral_constant<int, K>{}), ...);
-  }
-  (std::make_integer_sequence<int, N>{});
+  unrolled(body, std::make_integer_sequence<int, N>{});
 }
 
 }  // namespace mvk

@@ -39,6 +39,11 @@ struct halves {
   V lo, hi;
 };
 
+template <class V>
+V load(const float *p);
+template <class V>
+V splat(float x);
+
 }  // namespace mvk
 
 #if defined(MVK_SIMD_AVX2)

@@ -12,11 +12,6 @@ struct f32x8 {
   __m256 v;
 };
 
-template <class V>
-V load(const float *p);
-template <class V>
-V splat(float x);
-
 template <>
 inline f32x4 load<f32x4>(const float *p) {
   return {_mm_loadu_ps(p)};

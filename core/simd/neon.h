@@ -9,11 +9,6 @@ struct f32x4 {
   float32x4_t v;
 };
 
-template <class V>
-V load(const float *p);
-template <class V>
-V splat(float x);
-
 template <>
 inline f32x4 load<f32x4>(const float *p) {
   return {vld1q_f32(p)};

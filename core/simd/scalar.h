@@ -6,11 +6,6 @@
 
 namespace mvk {
 
-template <class V>
-V load(const float *p);
-template <class V>
-V splat(float x);
-
 template <>
 inline float load<float>(const float *p) {
   return *p;

@@ -1,0 +1,197 @@
+// The vector types against the definitions of their operations.
+#include "core/simd.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <numeric>
+
+#include "core/vector_samples.h"
+
+namespace {
+
+template <class V>
+class Vector : public testing::Test {};
+using vectors = testing::Types<float, mvk::f32x4, mvk::f32x8>;
+TYPED_TEST_SUITE(Vector, vectors);
+
+// Calls check(a, b, c, lane 0 of them as floats...) for vectors whose lanes hold
+// every combination of the sample values.
+template <class V, class Op, class Definition>
+void expect_lanes(Op op, Definition definition) {
+  const std::vector<float> values = sample_values();
+  const std::size_t n = values.size();
+  std::size_t next = 0;
+  const auto combination = [&](std::size_t k) {
+    return std::array{values[k % n], values[k / n % n], values[k / n / n % n]};
+  };
+  while (next < n * n * n) {
+    array_of<V> a, b, c;
+    const std::size_t first = next;
+    for (std::size_t l = 0; l < a.size(); ++l, ++next) {
+      const auto [x, y, z] = combination(next);
+      a[l] = x, b[l] = y, c[l] = z;
+    }
+    const array_of<V> got = to_array(op(from_array<V>(a), from_array<V>(b), from_array<V>(c)));
+    for (std::size_t l = 0; l < a.size(); ++l) {
+      const auto [x, y, z] = combination(first + l);
+      ASSERT_EQ(bits(got[l]), bits(definition(x, y, z)))
+          << "lane " << l << " of " << x << ", " << y << ", " << z << ": " << got[l];
+    }
+  }
+}
+
+TYPED_TEST(Vector, ArithmeticRoundsOnce) {
+  using V = TypeParam;
+  expect_lanes<V>([](V a, V b, V) { return a + b; }, [](float a, float b, float) { return a + b; });
+  expect_lanes<V>([](V a, V b, V) { return a - b; }, [](float a, float b, float) { return a - b; });
+  expect_lanes<V>([](V a, V b, V) { return a * b; }, [](float a, float b, float) { return a * b; });
+  expect_lanes<V>([](V a, V b, V) { return a / b; }, [](float a, float b, float) { return a / b; });
+}
+
+TYPED_TEST(Vector, FmaIsAProductPlusAnAddend) {
+  using V = TypeParam;
+  expect_lanes<V>([](V a, V b, V c) { return mvk::fma(a, b, c); },
+                  [](float a, float b, float c) { return std::fma(a, b, c); });
+}
+
+TYPED_TEST(Vector, FmsSubtractsTheProductFromTheAddend) {
+  using V = TypeParam;
+  const auto op = [](V a, V b, V c) { return mvk::fms(a, b, c); };
+  EXPECT_EQ(to_array(op(mvk::splat<V>(2), mvk::splat<V>(3), mvk::splat<V>(10)))[0], 4.0f);
+  expect_lanes<V>(op, [](float a, float b, float c) { return std::fma(-a, b, c); });
+}
+
+TYPED_TEST(Vector, FnmsSubtractsTheAddendFromTheProduct) {
+  using V = TypeParam;
+  const auto op = [](V a, V b, V c) { return mvk::fnms(a, b, c); };
+  EXPECT_EQ(to_array(op(mvk::splat<V>(2), mvk::splat<V>(3), mvk::splat<V>(10)))[0], -4.0f);
+  expect_lanes<V>(op, [](float a, float b, float c) { return std::fma(a, b, -c); });
+}
+
+TEST(Double, FusedFormsHaveTheSameSigns) {
+  EXPECT_EQ(mvk::fma(2.0, 3.0, 10.0), 16.0);
+  EXPECT_EQ(mvk::fms(2.0, 3.0, 10.0), 4.0);
+  EXPECT_EQ(mvk::fnms(2.0, 3.0, 10.0), -4.0);
+  // 1 - (1 + e)(1 - e) is e^2 only if the product isn't rounded.
+  EXPECT_EQ(mvk::fms(1 + 0x1p-40, 1 - 0x1p-40, 1.0), 0x1p-80);
+}
+
+// The order of numbers with +0 above -0, on the bits as sign and magnitude.
+bool greater(float a, float b) {
+  const auto key = [](float x) {
+    const auto u = std::bit_cast<std::int32_t>(x);
+    return u < 0 ? std::int32_t{-1} - (u & 0x7fffffff) : u;
+  };
+  return key(a) > key(b);
+}
+
+TYPED_TEST(Vector, MaxnumAndMinnumPreferNumbersAndOrderZeros) {
+  using V = TypeParam;
+  expect_lanes<V>([](V a, V b, V) { return mvk::maxnum(a, b); },
+                  [](float a, float b, float) {
+                    if (std::isnan(a)) return b;
+                    if (std::isnan(b)) return a;
+                    return greater(a, b) ? a : b;
+                  });
+  expect_lanes<V>([](V a, V b, V) { return mvk::minnum(a, b); },
+                  [](float a, float b, float) {
+                    if (std::isnan(a)) return b;
+                    if (std::isnan(b)) return a;
+                    return greater(a, b) ? b : a;
+                  });
+}
+
+TYPED_TEST(Vector, PropagatingExtremesKeepANanAndOrderZeros) {
+  using V = TypeParam;
+  expect_lanes<V>([](V a, V b, V) { return mvk::max_propagating(a, b); },
+                  [](float a, float b, float) {
+                    if (std::isnan(a) || std::isnan(b)) return NAN;
+                    return greater(a, b) ? a : b;
+                  });
+  expect_lanes<V>([](V a, V b, V) { return mvk::min_propagating(a, b); },
+                  [](float a, float b, float) {
+                    if (std::isnan(a) || std::isnan(b)) return NAN;
+                    return greater(a, b) ? b : a;
+                  });
+}
+
+TYPED_TEST(Vector, LoadsAndStoresAtAnyFloatAddress) {
+  using V = TypeParam;
+  float source[24], target[24];
+  std::iota(source, source + 24, 1.0f);
+  for (int offset = 0; offset < 16; ++offset) {
+    std::fill(target, target + 24, -1.0f);
+    mvk::store(target + offset, mvk::load<V>(source + offset));
+    for (int i = 0; i < 24; ++i) {
+      const bool inside = i >= offset && i < offset + mvk::lanes<V>;
+      ASSERT_EQ(target[i], inside ? source[i] : -1.0f) << "offset " << offset << ", " << i;
+    }
+  }
+}
+
+TYPED_TEST(Vector, SplatFillsEveryLane) {
+  for (const float x : to_array(mvk::splat<TypeParam>(2.5f))) EXPECT_EQ(x, 2.5f);
+}
+
+// ---- Rearrangements -----------------------------------------------------------
+
+template <class V>
+class Arranged : public testing::Test {};
+using wide_vectors = testing::Types<mvk::f32x4, mvk::f32x8>;
+TYPED_TEST_SUITE(Arranged, wide_vectors);
+
+// Lanes first, first + step, ...
+template <class V>
+array_of<V> ramp(int first, int step = 1) {
+  array_of<V> a;
+  for (std::size_t l = 0; l < a.size(); ++l)
+    a[l] = static_cast<float>(first + step * static_cast<int>(l));
+  return a;
+}
+
+TYPED_TEST(Arranged, ReverseTurnsTheLanesRound) {
+  constexpr int n = mvk::lanes<TypeParam>;
+  EXPECT_EQ(to_array(mvk::reverse(from_array<TypeParam>(ramp<TypeParam>(0)))),
+            ramp<TypeParam>(n - 1, -1));
+}
+
+TYPED_TEST(Arranged, InterleaveAlternatesAndDeinterleaveUndoesIt) {
+  using V = TypeParam;
+  constexpr int n = mvk::lanes<V>;
+  const V even = from_array<V>(ramp<V>(0, 2)), odd = from_array<V>(ramp<V>(1, 2));
+  const mvk::halves<V> mixed = mvk::interleave(even, odd);
+  EXPECT_EQ(to_array(mixed.lo), ramp<V>(0));
+  EXPECT_EQ(to_array(mixed.hi), ramp<V>(n));
+  const mvk::halves<V> apart = mvk::deinterleave(mixed.lo, mixed.hi);
+  EXPECT_EQ(to_array(apart.lo), to_array(even));
+  EXPECT_EQ(to_array(apart.hi), to_array(odd));
+}
+
+TYPED_TEST(Arranged, TransposeExchangesRowsAndLanes) {
+  using V = TypeParam;
+  constexpr int n = mvk::lanes<V>;
+  V rows[n];
+  for (int r = 0; r < n; ++r) rows[r] = from_array<V>(ramp<V>(n * r));
+  mvk::transpose(rows);
+  for (int r = 0; r < n; ++r) EXPECT_EQ(to_array(rows[r]), ramp<V>(r, n)) << "row " << r;
+}
+
+// ---- Powers of two ------------------------------------------------------------
+
+TEST(Exp2Bits, IsThePowerOfTwoWithinTheExponentsRange) {
+  for (int k = -126; k <= 127; ++k)
+    EXPECT_EQ(mvk::exp2_bits(k), std::ldexp(1.0f, k)) << "k = " << k;
+}
+
+TEST(Exp2Bits, WrapsOutsideIt) {
+  EXPECT_EQ(bits(mvk::exp2_bits(-127)), 0x00000000u);
+  EXPECT_EQ(bits(mvk::exp2_bits(128)), 0x7f800000u);
+  EXPECT_EQ(mvk::exp2_bits(130), -0x1p-126f);
+  EXPECT_EQ(bits(mvk::exp2_bits(-130)), 0xfe800000u);
+  EXPECT_EQ(mvk::exp2_bits(256), -1.0f);
+  EXPECT_EQ(mvk::exp2_bits(512), 1.0f);
+  EXPECT_EQ(mvk::exp2_bits(INT32_MIN), 1.0f);
+}
+
+}  // namespace

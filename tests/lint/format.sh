@@ -1,0 +1,7 @@
+#!/bin/bash
+# The sources are formatted as .clang-format says.
+# usage: format.sh CLANG-FORMAT ROOT
+set -euo pipefail
+cd "$2"
+find include core component tools tests bench -name '*.h' -o -name '*.c' -o -name '*.cpp' |
+  xargs "$1" --dry-run -Werror
