@@ -63,9 +63,7 @@ std::int32_t release_identity(void *p) {
   return ACLI_OK;
 }
 
-std::int32_t check_instance(acli_instance *handle) {
-  return handle ? ACLI_OK : ACLI_ERR_INVALID;
-}
+std::int32_t check_instance(acli_instance *handle) { return handle ? ACLI_OK : ACLI_ERR_INVALID; }
 
 std::int32_t unsupported(acli_instance *handle) {
   return handle ? ACLI_ERR_UNSUPPORTED : ACLI_ERR_INVALID;

@@ -2,6 +2,8 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <cstring>
+#include <type_traits>
 
 #include "acli.h"
 #include "core/log.h"
@@ -12,28 +14,14 @@ namespace {
 
 // ---- Samples ----------------------------------------------------------------
 
-using bits32 = std::uint32_t;  // a float that is copied: as bits, so that a NaN keeps its own
+std::uint32_t same_bits(std::uint32_t x) { return x; }
 
-bits32 copy(bits32 x) {
-  return x;
-}
+float number(float x) { return x == x ? x : 0.0f; }
 
-float number(float x) {
-  return x == x ? x : 0.0f;
-}
-
-float from_int16(std::int16_t k) {
-  return static_cast<float>(k) * 0x1p-15f;
-}
-float from_int32(std::int32_t k) {
-  return static_cast<float>(k) * 0x1p-31f;
-}
-float from_int32_in_64(std::int64_t k) {
-  return from_int32(static_cast<std::int32_t>(k));
-}
-float from_float64(double x) {
-  return static_cast<float>(x);
-}
+float from_int16(std::int16_t k) { return static_cast<float>(k) * 0x1p-15f; }
+float from_int32(std::int32_t k) { return static_cast<float>(k) * 0x1p-31f; }
+float from_int32_in_64(std::int64_t k) { return from_int32(static_cast<std::int32_t>(k)); }
+float from_float64(double x) { return static_cast<float>(x); }
 
 // Rounds to an integer by the current rounding mode, after clamping to floats
 // that an int holds: processors differ in what they make of others.
@@ -52,12 +40,8 @@ std::int32_t to_int32(float x) {
   const std::int32_t below_one = round_within(-0x1p31f, x * 0x1p31f, 0x1p31f - 128);
   return x >= 1.0f ? INT32_MAX : below_one;
 }
-std::int64_t to_int32_in_64(float x) {
-  return to_int32(x);
-}
-double to_float64(float x) {
-  return x;
-}
+std::int64_t to_int32_in_64(float x) { return to_int32(x); }
+double to_float64(float x) { return x; }
 
 // ---- Runs of samples ----------------------------------------------------------
 
@@ -73,24 +57,27 @@ struct run {
 template <class From, class To, To sample(From)>
 void convert_run(run src, run dst, unsigned n) {
   constexpr unsigned chunk = 64;
-  From from[chunk];
-  To to[chunk];
-  while (n > 0) {
-    const unsigned count = std::min(n, chunk);
+  const auto convert = [&](auto count) __attribute__((always_inline)) {
+    From from[chunk];
+    To to[chunk];
     mvk::gather(from, src.start, src.step, count);
     for (unsigned i = 0; i < count; ++i) to[i] = sample(from[i]);
     mvk::scatter(dst.start, dst.step, to, count);
     src.start += count * src.step;
     dst.start += count * dst.step;
-    n -= count;
-  }
+  };
+  for (; n >= chunk; n -= chunk) convert(std::integral_constant<unsigned, chunk>{});
+  if (n > 0) convert(n);
 }
 
-// A copy onto itself, as the resampler makes where it stages floats for a host
-// of floats, is left out.
+// Copies n floats as bits, so that a NaN keeps its own. A copy onto itself, as
+// the resampler makes where it stages floats for a host of floats, is left out.
 void copy_run(run src, run dst, unsigned n) {
   if (src.start == dst.start && src.step == dst.step) return;
-  convert_run<bits32, bits32, copy>(src, dst, n);
+  if (src.step == sizeof(float) && dst.step == sizeof(float))
+    std::memmove(dst.start, src.start, n * sizeof(float));
+  else
+    convert_run<std::uint32_t, std::uint32_t, same_bits>(src, dst, n);
 }
 
 struct conversion {

@@ -23,10 +23,9 @@ inline constexpr int window_length = history_length + phase_samples<F>;
 
 namespace detail {
 
-// Phase 0 takes six vectors of four coefficients; the others have no sixth.
-constexpr int taps(int phase) {
-  return phase == 0 ? phase_slots : phase_slots - 4;
-}
+// Vectors of four coefficients: a sixth only phase 0 has.
+inline constexpr int first_phase_vectors = phase_slots / 4;
+inline constexpr int further_phase_vectors = first_phase_vectors - 1;
 
 // A lane of as many neighbouring samples as keep the unit busy.
 inline constexpr int registers = 8;
@@ -63,6 +62,22 @@ inline void store_frames(float *y, f32x8 phase0, f32x8 phase1, f32x8 phase2, f32
   store(y + 24, second.hi);
 }
 
+// One phase of a lane of the lower rate: register r takes vector v of the
+// coefficients over the window from 8 r + 4 v on. Walking the window by fours,
+// each load serves all the registers that want it.
+template <int vectors>
+[[gnu::always_inline]] inline void add_phase(sums &acc, const float *window, const float *phase) {
+  f32x8 h[vectors];
+  unrolled<vectors>([&](auto v) { h[v] = splat<f32x8>(phase[4 * v]); });
+  unrolled<2 * (registers - 1) + vectors>([&](auto k) {
+    const f32x8 samples = load<f32x8>(window + 4 * k);
+    unrolled<registers>([&](auto r) {
+      constexpr int v = k - 2 * r;
+      if constexpr (v >= 0 && v < vectors) acc.r[r] = fma(h[v], samples, acc.r[r]);
+    });
+  });
+}
+
 }  // namespace detail
 
 // The 256 samples of the higher rate: frame F i + F - 1 - p is F times phase p
@@ -72,11 +87,11 @@ inline void interpolate(float *y, const float *window, const float *const *phase
   using namespace detail;
   constexpr int per_phase = registers / F;  // phase p has those from p * per_phase on
   for (int i = 0; i < phase_samples<F>; i += 8 * per_phase) {
-    const auto lane = [&](int l) {
+    const auto lane = [&](int l) __attribute__((always_inline)) {
       const float *x = window + i;
       sums acc = zero();
       int t = l;
-      for (; t < taps(1); t += 4) {
+      for (; t < 4 * further_phase_vectors; t += 4) {
         f32x8 h[F];
         unrolled<F>([&](auto p) { h[p] = splat<f32x8>(phases[p][t]); });
         unrolled<per_phase>([&](auto b) {
@@ -134,15 +149,11 @@ inline void decimate(float *y, const float (&windows)[F][window_length<F>],
                      const float *const *phases) {
   using namespace detail;
   for (int j = 0; j < phase_samples<F>; j += 8 * registers) {
-    const auto lane = [&](int l) {
+    const auto lane = [&](int l) __attribute__((always_inline)) {
       sums acc = zero();
-      for (int p = 0; p < F; ++p)
-        for (int t = l; t < taps(p); t += 4) {
-          const f32x8 coefficient = splat<f32x8>(phases[p][t]);
-          const float *x = windows[p] + j + t;
-          unrolled<registers>(
-              [&](auto b) { acc.r[b] = fma(coefficient, load<f32x8>(x + 8 * b), acc.r[b]); });
-        }
+      add_phase<first_phase_vectors>(acc, windows[0] + j + l, phases[0] + l);
+      for (int p = 1; p < F; ++p)
+        add_phase<further_phase_vectors>(acc, windows[p] + j + l, phases[p] + l);
       return acc;
     };
     const sums y_j = (lane(0) + lane(1)) + (lane(2) + lane(3));

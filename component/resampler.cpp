@@ -76,9 +76,7 @@ bool is_array(channel samples) {
   return aligned && samples.step == sizeof(float);
 }
 
-float *as_array(channel samples) {
-  return reinterpret_cast<float *>(samples.start);
-}
+float *as_array(channel samples) { return reinterpret_cast<float *>(samples.start); }
 
 // Runs filter(y) so that its n results end up in the channel: at once where the
 // channel is an array, else by way of the stack.

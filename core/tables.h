@@ -43,14 +43,10 @@ constexpr float six_decimals(double x) {
 }
 
 // n * 2^-15: a coefficient of a 16-bit fixed-point design.
-constexpr float q15(int n) {
-  return static_cast<float>(n) * 0x1p-15f;
-}
+constexpr float q15(int n) { return static_cast<float>(n) * 0x1p-15f; }
 
 // The multiple of 2^-15 next to x.
-constexpr float to_q15(double x) {
-  return q15(static_cast<int>(round_half_away(x * 0x1p15)));
-}
+constexpr float to_q15(double x) { return q15(static_cast<int>(round_half_away(x * 0x1p15))); }
 
 namespace detail {
 

@@ -28,80 +28,36 @@ template <>
 inline f32x8 splat<f32x8>(float x) {
   return {_mm256_set1_ps(x)};
 }
-inline void store(float *p, f32x4 a) {
-  _mm_storeu_ps(p, a.v);
-}
-inline void store(float *p, f32x8 a) {
-  _mm256_storeu_ps(p, a.v);
-}
+inline void store(float *p, f32x4 a) { _mm_storeu_ps(p, a.v); }
+inline void store(float *p, f32x8 a) { _mm256_storeu_ps(p, a.v); }
 
-inline f32x4 operator+(f32x4 a, f32x4 b) {
-  return {_mm_add_ps(a.v, b.v)};
-}
-inline f32x8 operator+(f32x8 a, f32x8 b) {
-  return {_mm256_add_ps(a.v, b.v)};
-}
-inline f32x4 operator-(f32x4 a, f32x4 b) {
-  return {_mm_sub_ps(a.v, b.v)};
-}
-inline f32x8 operator-(f32x8 a, f32x8 b) {
-  return {_mm256_sub_ps(a.v, b.v)};
-}
-inline f32x4 operator*(f32x4 a, f32x4 b) {
-  return {_mm_mul_ps(a.v, b.v)};
-}
-inline f32x8 operator*(f32x8 a, f32x8 b) {
-  return {_mm256_mul_ps(a.v, b.v)};
-}
-inline f32x4 operator/(f32x4 a, f32x4 b) {
-  return {_mm_div_ps(a.v, b.v)};
-}
-inline f32x8 operator/(f32x8 a, f32x8 b) {
-  return {_mm256_div_ps(a.v, b.v)};
-}
+inline f32x4 operator+(f32x4 a, f32x4 b) { return {_mm_add_ps(a.v, b.v)}; }
+inline f32x8 operator+(f32x8 a, f32x8 b) { return {_mm256_add_ps(a.v, b.v)}; }
+inline f32x4 operator-(f32x4 a, f32x4 b) { return {_mm_sub_ps(a.v, b.v)}; }
+inline f32x8 operator-(f32x8 a, f32x8 b) { return {_mm256_sub_ps(a.v, b.v)}; }
+inline f32x4 operator*(f32x4 a, f32x4 b) { return {_mm_mul_ps(a.v, b.v)}; }
+inline f32x8 operator*(f32x8 a, f32x8 b) { return {_mm256_mul_ps(a.v, b.v)}; }
+inline f32x4 operator/(f32x4 a, f32x4 b) { return {_mm_div_ps(a.v, b.v)}; }
+inline f32x8 operator/(f32x8 a, f32x8 b) { return {_mm256_div_ps(a.v, b.v)}; }
 
-inline f32x4 fma(f32x4 a, f32x4 b, f32x4 c) {
-  return {_mm_fmadd_ps(a.v, b.v, c.v)};
-}
-inline f32x8 fma(f32x8 a, f32x8 b, f32x8 c) {
-  return {_mm256_fmadd_ps(a.v, b.v, c.v)};
-}
-inline f32x4 fms(f32x4 a, f32x4 b, f32x4 c) {
-  return {_mm_fnmadd_ps(a.v, b.v, c.v)};
-}
-inline f32x8 fms(f32x8 a, f32x8 b, f32x8 c) {
-  return {_mm256_fnmadd_ps(a.v, b.v, c.v)};
-}
-inline f32x4 fnms(f32x4 a, f32x4 b, f32x4 c) {
-  return {_mm_fmsub_ps(a.v, b.v, c.v)};
-}
-inline f32x8 fnms(f32x8 a, f32x8 b, f32x8 c) {
-  return {_mm256_fmsub_ps(a.v, b.v, c.v)};
-}
+inline f32x4 fma(f32x4 a, f32x4 b, f32x4 c) { return {_mm_fmadd_ps(a.v, b.v, c.v)}; }
+inline f32x8 fma(f32x8 a, f32x8 b, f32x8 c) { return {_mm256_fmadd_ps(a.v, b.v, c.v)}; }
+inline f32x4 fms(f32x4 a, f32x4 b, f32x4 c) { return {_mm_fnmadd_ps(a.v, b.v, c.v)}; }
+inline f32x8 fms(f32x8 a, f32x8 b, f32x8 c) { return {_mm256_fnmadd_ps(a.v, b.v, c.v)}; }
+inline f32x4 fnms(f32x4 a, f32x4 b, f32x4 c) { return {_mm_fmsub_ps(a.v, b.v, c.v)}; }
+inline f32x8 fnms(f32x8 a, f32x8 b, f32x8 c) { return {_mm256_fmsub_ps(a.v, b.v, c.v)}; }
 
 // MAXPS and MINPS give their second operand for two zeros and for a NaN. Both
 // orders together settle the zeros: equal operands differ at most in the sign
 // bit, which AND clears for the maximum and OR sets for the minimum.
 namespace detail {
 
-inline __m128 nan(__m128 a) {
-  return _mm_cmpunord_ps(a, a);
-}
-inline __m256 nan(__m256 a) {
-  return _mm256_cmp_ps(a, a, _CMP_UNORD_Q);
-}
-inline __m128 either_nan(__m128 a, __m128 b) {
-  return _mm_cmpunord_ps(a, b);
-}
-inline __m256 either_nan(__m256 a, __m256 b) {
-  return _mm256_cmp_ps(a, b, _CMP_UNORD_Q);
-}
-inline __m128 select(__m128 mask, __m128 a, __m128 b) {
-  return _mm_blendv_ps(b, a, mask);
-}
-inline __m256 select(__m256 mask, __m256 a, __m256 b) {
-  return _mm256_blendv_ps(b, a, mask);
-}
+inline __m128 nan(__m128 a) { return _mm_cmpunord_ps(a, a); }
+inline __m256 nan(__m256 a) { return _mm256_cmp_ps(a, a, _CMP_UNORD_Q); }
+inline __m128 either_nan(__m128 a, __m128 b) { return _mm_cmpunord_ps(a, b); }
+inline __m256 either_nan(__m256 a, __m256 b) { return _mm256_cmp_ps(a, b, _CMP_UNORD_Q); }
+inline __m128 select(__m128 mask, __m128 a, __m128 b) { return _mm_blendv_ps(b, a, mask); }
+inline __m256 select(__m256 mask, __m256 a, __m256 b) { return _mm256_blendv_ps(b, a, mask); }
 
 inline __m128 ordered_max(__m128 a, __m128 b) {
   return _mm_and_ps(_mm_max_ps(a, b), _mm_max_ps(b, a));
@@ -137,9 +93,7 @@ inline V min_propagating(V a, V b) {
   return {detail::select(detail::either_nan(a.v, b.v), (a + b).v, detail::ordered_min(a.v, b.v))};
 }
 
-inline f32x4 reverse(f32x4 a) {
-  return {_mm_permute_ps(a.v, 0x1b)};
-}
+inline f32x4 reverse(f32x4 a) { return {_mm_permute_ps(a.v, 0x1b)}; }
 inline f32x8 reverse(f32x8 a) {
   return {_mm256_permute2f128_ps(_mm256_permute_ps(a.v, 0x1b), _mm256_permute_ps(a.v, 0x1b), 1)};
 }
@@ -161,9 +115,7 @@ inline halves<f32x8> deinterleave(f32x8 a, f32x8 b) {
   return {{_mm256_shuffle_ps(first, second, 0x88)}, {_mm256_shuffle_ps(first, second, 0xdd)}};
 }
 
-inline void transpose(f32x4 (&r)[4]) {
-  _MM_TRANSPOSE4_PS(r[0].v, r[1].v, r[2].v, r[3].v);
-}
+inline void transpose(f32x4 (&r)[4]) { _MM_TRANSPOSE4_PS(r[0].v, r[1].v, r[2].v, r[3].v); }
 
 inline void transpose(f32x8 (&r)[8]) {
   __m256 pairs[8], quads[8];

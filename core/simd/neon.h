@@ -17,45 +17,21 @@ template <>
 inline f32x4 splat<f32x4>(float x) {
   return {vdupq_n_f32(x)};
 }
-inline void store(float *p, f32x4 a) {
-  vst1q_f32(p, a.v);
-}
+inline void store(float *p, f32x4 a) { vst1q_f32(p, a.v); }
 
-inline f32x4 operator+(f32x4 a, f32x4 b) {
-  return {vaddq_f32(a.v, b.v)};
-}
-inline f32x4 operator-(f32x4 a, f32x4 b) {
-  return {vsubq_f32(a.v, b.v)};
-}
-inline f32x4 operator*(f32x4 a, f32x4 b) {
-  return {vmulq_f32(a.v, b.v)};
-}
-inline f32x4 operator/(f32x4 a, f32x4 b) {
-  return {vdivq_f32(a.v, b.v)};
-}
+inline f32x4 operator+(f32x4 a, f32x4 b) { return {vaddq_f32(a.v, b.v)}; }
+inline f32x4 operator-(f32x4 a, f32x4 b) { return {vsubq_f32(a.v, b.v)}; }
+inline f32x4 operator*(f32x4 a, f32x4 b) { return {vmulq_f32(a.v, b.v)}; }
+inline f32x4 operator/(f32x4 a, f32x4 b) { return {vdivq_f32(a.v, b.v)}; }
 
-inline f32x4 fma(f32x4 a, f32x4 b, f32x4 c) {
-  return {vfmaq_f32(c.v, a.v, b.v)};
-}
-inline f32x4 fms(f32x4 a, f32x4 b, f32x4 c) {
-  return {vfmsq_f32(c.v, a.v, b.v)};
-}
-inline f32x4 fnms(f32x4 a, f32x4 b, f32x4 c) {
-  return {vfmaq_f32(vnegq_f32(c.v), a.v, b.v)};
-}
+inline f32x4 fma(f32x4 a, f32x4 b, f32x4 c) { return {vfmaq_f32(c.v, a.v, b.v)}; }
+inline f32x4 fms(f32x4 a, f32x4 b, f32x4 c) { return {vfmsq_f32(c.v, a.v, b.v)}; }
+inline f32x4 fnms(f32x4 a, f32x4 b, f32x4 c) { return {vfmaq_f32(vnegq_f32(c.v), a.v, b.v)}; }
 
-inline f32x4 maxnum(f32x4 a, f32x4 b) {
-  return {vmaxnmq_f32(a.v, b.v)};
-}
-inline f32x4 minnum(f32x4 a, f32x4 b) {
-  return {vminnmq_f32(a.v, b.v)};
-}
-inline f32x4 max_propagating(f32x4 a, f32x4 b) {
-  return {vmaxq_f32(a.v, b.v)};
-}
-inline f32x4 min_propagating(f32x4 a, f32x4 b) {
-  return {vminq_f32(a.v, b.v)};
-}
+inline f32x4 maxnum(f32x4 a, f32x4 b) { return {vmaxnmq_f32(a.v, b.v)}; }
+inline f32x4 minnum(f32x4 a, f32x4 b) { return {vminnmq_f32(a.v, b.v)}; }
+inline f32x4 max_propagating(f32x4 a, f32x4 b) { return {vmaxq_f32(a.v, b.v)}; }
+inline f32x4 min_propagating(f32x4 a, f32x4 b) { return {vminq_f32(a.v, b.v)}; }
 
 inline f32x4 reverse(f32x4 a) {
   const float32x4_t pairs = vrev64q_f32(a.v);

@@ -20,18 +20,10 @@ inline void store(float *p, f32x8 v) {
   store(p + 4, v.hi);
 }
 
-inline f32x8 operator+(f32x8 a, f32x8 b) {
-  return {a.lo + b.lo, a.hi + b.hi};
-}
-inline f32x8 operator-(f32x8 a, f32x8 b) {
-  return {a.lo - b.lo, a.hi - b.hi};
-}
-inline f32x8 operator*(f32x8 a, f32x8 b) {
-  return {a.lo * b.lo, a.hi * b.hi};
-}
-inline f32x8 operator/(f32x8 a, f32x8 b) {
-  return {a.lo / b.lo, a.hi / b.hi};
-}
+inline f32x8 operator+(f32x8 a, f32x8 b) { return {a.lo + b.lo, a.hi + b.hi}; }
+inline f32x8 operator-(f32x8 a, f32x8 b) { return {a.lo - b.lo, a.hi - b.hi}; }
+inline f32x8 operator*(f32x8 a, f32x8 b) { return {a.lo * b.lo, a.hi * b.hi}; }
+inline f32x8 operator/(f32x8 a, f32x8 b) { return {a.lo / b.lo, a.hi / b.hi}; }
 
 inline f32x8 fma(f32x8 a, f32x8 b, f32x8 c) {
   return {fma(a.lo, b.lo, c.lo), fma(a.hi, b.hi, c.hi)};
@@ -43,12 +35,8 @@ inline f32x8 fnms(f32x8 a, f32x8 b, f32x8 c) {
   return {fnms(a.lo, b.lo, c.lo), fnms(a.hi, b.hi, c.hi)};
 }
 
-inline f32x8 maxnum(f32x8 a, f32x8 b) {
-  return {maxnum(a.lo, b.lo), maxnum(a.hi, b.hi)};
-}
-inline f32x8 minnum(f32x8 a, f32x8 b) {
-  return {minnum(a.lo, b.lo), minnum(a.hi, b.hi)};
-}
+inline f32x8 maxnum(f32x8 a, f32x8 b) { return {maxnum(a.lo, b.lo), maxnum(a.hi, b.hi)}; }
+inline f32x8 minnum(f32x8 a, f32x8 b) { return {minnum(a.lo, b.lo), minnum(a.hi, b.hi)}; }
 inline f32x8 max_propagating(f32x8 a, f32x8 b) {
   return {max_propagating(a.lo, b.lo), max_propagating(a.hi, b.hi)};
 }
@@ -56,9 +44,7 @@ inline f32x8 min_propagating(f32x8 a, f32x8 b) {
   return {min_propagating(a.lo, b.lo), min_propagating(a.hi, b.hi)};
 }
 
-inline f32x8 reverse(f32x8 v) {
-  return {reverse(v.hi), reverse(v.lo)};
-}
+inline f32x8 reverse(f32x8 v) { return {reverse(v.hi), reverse(v.lo)}; }
 
 inline halves<f32x8> interleave(f32x8 a, f32x8 b) {
   const auto lo = interleave(a.lo, b.lo), hi = interleave(a.hi, b.hi);

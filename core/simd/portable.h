@@ -46,22 +46,12 @@ inline f32x4 operator/(f32x4 a, f32x4 b) {
   return detail::each_lane([](float x, float y) { return x / y; }, a, b);
 }
 
-inline f32x4 fma(f32x4 a, f32x4 b, f32x4 c) {
-  return detail::each_lane(fma<float>, a, b, c);
-}
-inline f32x4 fms(f32x4 a, f32x4 b, f32x4 c) {
-  return detail::each_lane(fms<float>, a, b, c);
-}
-inline f32x4 fnms(f32x4 a, f32x4 b, f32x4 c) {
-  return detail::each_lane(fnms<float>, a, b, c);
-}
+inline f32x4 fma(f32x4 a, f32x4 b, f32x4 c) { return detail::each_lane(fma<float>, a, b, c); }
+inline f32x4 fms(f32x4 a, f32x4 b, f32x4 c) { return detail::each_lane(fms<float>, a, b, c); }
+inline f32x4 fnms(f32x4 a, f32x4 b, f32x4 c) { return detail::each_lane(fnms<float>, a, b, c); }
 
-inline f32x4 maxnum(f32x4 a, f32x4 b) {
-  return detail::each_lane(maxnum<float>, a, b);
-}
-inline f32x4 minnum(f32x4 a, f32x4 b) {
-  return detail::each_lane(minnum<float>, a, b);
-}
+inline f32x4 maxnum(f32x4 a, f32x4 b) { return detail::each_lane(maxnum<float>, a, b); }
+inline f32x4 minnum(f32x4 a, f32x4 b) { return detail::each_lane(minnum<float>, a, b); }
 inline f32x4 max_propagating(f32x4 a, f32x4 b) {
   return detail::each_lane(max_propagating<float>, a, b);
 }
@@ -69,9 +59,7 @@ inline f32x4 min_propagating(f32x4 a, f32x4 b) {
   return detail::each_lane(min_propagating<float>, a, b);
 }
 
-inline f32x4 reverse(f32x4 a) {
-  return {{a.v[3], a.v[2], a.v[1], a.v[0]}};
-}
+inline f32x4 reverse(f32x4 a) { return {{a.v[3], a.v[2], a.v[1], a.v[0]}}; }
 
 inline halves<f32x4> interleave(f32x4 a, f32x4 b) {
   return {{{a.v[0], b.v[0], a.v[1], b.v[1]}}, {{a.v[2], b.v[2], a.v[3], b.v[3]}}};

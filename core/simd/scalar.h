@@ -14,9 +14,7 @@ template <>
 inline float splat<float>(float x) {
   return x;
 }
-inline void store(float *p, float x) {
-  *p = x;
-}
+inline void store(float *p, float x) { *p = x; }
 
 template <std::floating_point T>
 inline T fma(T a, T b, T c) {

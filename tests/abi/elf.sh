@@ -1,11 +1,11 @@
 #!/bin/bash
 # The library is what a loader expects: its name, what it needs and where that
 # is found, nothing to relocate in its text, and read-only relocations.
-# usage: elf.sh READELF LIBRARY PLATFORM-FOLDER NEEDED...
+# usage: elf.sh READELF LIBRARY platform=[FOLDER] NEEDED...
 set -euo pipefail
 dynamic=$("$1" -dW "$2")
 segments=$("$1" -lW "$2")
-platform_dir=$3
+platform_dir=${3#platform=}
 shift 3
 
 expect() {

@@ -1,10 +1,10 @@
 #!/bin/bash
 # What a build installs serves a C11 and a C++20 program, through the CMake
 # package and through pkg-config, wherever the tree is moved.
-# usage: install.sh BUILD-FOLDER CC CXX TOOLCHAIN-FILE [EMULATOR...]
+# usage: install.sh BUILD-FOLDER CC CXX toolchain=[FILE] [EMULATOR...]
 set -euo pipefail
 here=$(cd "$(dirname "$0")" && pwd)
-build=$1 cc=$2 cxx=$3 toolchain=$4
+build=$1 cc=$2 cxx=$3 toolchain=${4#toolchain=}
 shift 4
 scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
