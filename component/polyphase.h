@@ -36,7 +36,7 @@ struct sums {
 
 inline sums zero() {
   sums a;
-  unrolled<registers>([&](auto i) { a.r[i] = splat<f32x8>(0); });
+  unrolled<registers>([&](auto i) { a.r[i] = f32x8(0); });
   return a;
 }
 
@@ -52,7 +52,7 @@ inline void store_frames(float *y, f32x8 phase0, f32x8 phase1) {
 }
 
 inline void store_frames(float *y, f32x8 phase0, f32x8 phase1, f32x8 phase2, f32x8 phase3) {
-  const f32x8 gain = splat<f32x8>(4);
+  const f32x8 gain = f32x8(4);
   const auto odd = interleave(phase3 * gain, phase1 * gain);
   const auto even = interleave(phase2 * gain, phase0 * gain);
   const auto first = interleave(odd.lo, even.lo), second = interleave(odd.hi, even.hi);
@@ -68,7 +68,7 @@ inline void store_frames(float *y, f32x8 phase0, f32x8 phase1, f32x8 phase2, f32
 template <int vectors>
 [[gnu::always_inline]] inline void add_phase(sums &acc, const float *window, const float *phase) {
   f32x8 h[vectors];
-  unrolled<vectors>([&](auto v) { h[v] = splat<f32x8>(phase[4 * v]); });
+  unrolled<vectors>([&](auto v) { h[v] = f32x8(phase[4 * v]); });
   unrolled<2 * (registers - 1) + vectors>([&](auto k) {
     const f32x8 samples = load<f32x8>(window + 4 * k);
     unrolled<registers>([&](auto r) {
@@ -93,7 +93,7 @@ inline void interpolate(float *y, const float *window, const float *const *phase
       int t = l;
       for (; t < 4 * further_phase_vectors; t += 4) {
         f32x8 h[F];
-        unrolled<F>([&](auto p) { h[p] = splat<f32x8>(phases[p][t]); });
+        unrolled<F>([&](auto p) { h[p] = f32x8(phases[p][t]); });
         unrolled<per_phase>([&](auto b) {
           const f32x8 samples = load<f32x8>(x + 8 * b + t);
           unrolled<F>([&](auto p) {
@@ -103,7 +103,7 @@ inline void interpolate(float *y, const float *window, const float *const *phase
         });
       }
       unrolled<per_phase>([&](auto b) {
-        acc.r[b] = fma(splat<f32x8>(phases[0][t]), load<f32x8>(x + 8 * b + t), acc.r[b]);
+        acc.r[b] = fma(f32x8(phases[0][t]), load<f32x8>(x + 8 * b + t), acc.r[b]);
       });
       return acc;
     };

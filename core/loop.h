@@ -12,7 +12,7 @@ namespace mvk {
 // are done: in eights, then at most one four, then one at a time. No sample is
 // visited twice, so a body may work in place.
 //
-//     counted(n, [&]<class V>(size_t i) { store(y + i, load<V>(x + i) * splat<V>(g)); });
+//     counted(n, [&]<class V>(size_t i) { store(y + i, load<V>(x + i) * V(g)); });
 template <class Body>
 inline void counted(std::size_t n, Body body) {
   std::size_t i = 0;

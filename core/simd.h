@@ -9,7 +9,7 @@
 //
 //   lanes<V>                     samples in a V: 1, 4, 8
 //   load<V>(p), store(p, v)      any float address
-//   splat<V>(x)                  x in every lane
+//   V(x)                         x in every lane; a float beside a V becomes one
 //   a + b, a - b, a * b, a / b   one rounding each
 //   fma(a, b, c)                 a * b + c, one rounding
 //   fms(a, b, c)                 c - a * b, one rounding
@@ -22,6 +22,17 @@
 //   interleave(a, b)             {a0 b0 a1 b1 ..., the upper half likewise}
 //   deinterleave(a, b)           its inverse: {even lanes, odd lanes}
 //   transpose(rows)              square block of as many rows as lanes, in place
+//   split_pairs(a, b)            {even lanes, odd lanes} of a b, but in an order of
+//                                lanes of the processor's own
+//   join_pairs(e, o)             its inverse
+//   natural_order(v)             from that order of lanes to the order in memory
+//   abs(v), -v                   sign bit cleared, inverted
+//   greater_of(a, b)             a > b ? a : b, lane by lane: b for a NaN
+//   lesser_of(a, b)              a < b ? a : b
+//   where_greater(a, b, x, y)    a > b ? x : y
+//   any_greater(a, b)            a > b in some lane
+//   widen(v), narrow(w)          binary64 in every lane, and back with one
+//                                rounding; wide<V> has * / and W(x)
 //
 // (The names fms and fnms are the equations' own: x86's fmsub is fnms here and
 // its fnmadd is fms.)
@@ -41,8 +52,12 @@ struct halves {
 
 template <class V>
 V load(const float *p);
+
+// The binary64 vector of as many lanes as V.
 template <class V>
-V splat(float x);
+struct wide_of;
+template <class V>
+using wide = typename wide_of<V>::type;
 
 }  // namespace mvk
 
@@ -64,9 +79,8 @@ template <class V>
 inline constexpr int lanes = sizeof(V) / sizeof(float);
 
 // 2^k by its exponent's bits, (k + 127) << 23, unchecked: k = -127 gives 0,
-// k = 128 infinity, and beyond that the pattern wraps, sign bit included.
-constexpr float exp2_bits(std::int32_t k) {
-  return std::bit_cast<float>((static_cast<std::uint32_t>(k) + 127u) << 23);
-}
+// k = 128 infinity, and beyond that the pattern wraps, sign bit included. A
+// negative k is given modulo 2^32, as an int converts.
+constexpr float exp2_bits(std::uint32_t k) { return std::bit_cast<float>((k + 127u) << 23); }
 
 }  // namespace mvk

@@ -7,9 +7,17 @@ namespace mvk {
 
 struct f32x4 {
   __m128 v;
+
+  f32x4() = default;
+  f32x4(__m128 lanes) : v(lanes) {}
+  f32x4(float x) : v(_mm_set1_ps(x)) {}
 };
 struct f32x8 {
   __m256 v;
+
+  f32x8() = default;
+  f32x8(__m256 lanes) : v(lanes) {}
+  f32x8(float x) : v(_mm256_set1_ps(x)) {}
 };
 
 template <>
@@ -19,14 +27,6 @@ inline f32x4 load<f32x4>(const float *p) {
 template <>
 inline f32x8 load<f32x8>(const float *p) {
   return {_mm256_loadu_ps(p)};
-}
-template <>
-inline f32x4 splat<f32x4>(float x) {
-  return {_mm_set1_ps(x)};
-}
-template <>
-inline f32x8 splat<f32x8>(float x) {
-  return {_mm256_set1_ps(x)};
 }
 inline void store(float *p, f32x4 a) { _mm_storeu_ps(p, a.v); }
 inline void store(float *p, f32x8 a) { _mm256_storeu_ps(p, a.v); }
@@ -74,24 +74,35 @@ inline __m256 ordered_min(__m256 a, __m256 b) {
 
 }  // namespace detail
 
-template <class V>
-inline V maxnum(V a, V b) {
-  const auto m = detail::select(detail::nan(b.v), a.v, detail::ordered_max(a.v, b.v));
-  return {detail::select(detail::nan(a.v), b.v, m)};
+namespace detail {
+
+template <class R>
+inline R maxnum(R a, R b) {
+  return select(nan(a), b, select(nan(b), a, ordered_max(a, b)));
 }
-template <class V>
-inline V minnum(V a, V b) {
-  const auto m = detail::select(detail::nan(b.v), a.v, detail::ordered_min(a.v, b.v));
-  return {detail::select(detail::nan(a.v), b.v, m)};
+template <class R>
+inline R minnum(R a, R b) {
+  return select(nan(a), b, select(nan(b), a, ordered_min(a, b)));
 }
 template <class V>
 inline V max_propagating(V a, V b) {
-  return {detail::select(detail::either_nan(a.v, b.v), (a + b).v, detail::ordered_max(a.v, b.v))};
+  return select(either_nan(a.v, b.v), (a + b).v, ordered_max(a.v, b.v));
 }
 template <class V>
 inline V min_propagating(V a, V b) {
-  return {detail::select(detail::either_nan(a.v, b.v), (a + b).v, detail::ordered_min(a.v, b.v))};
+  return select(either_nan(a.v, b.v), (a + b).v, ordered_min(a.v, b.v));
 }
+
+}  // namespace detail
+
+inline f32x4 maxnum(f32x4 a, f32x4 b) { return detail::maxnum(a.v, b.v); }
+inline f32x8 maxnum(f32x8 a, f32x8 b) { return detail::maxnum(a.v, b.v); }
+inline f32x4 minnum(f32x4 a, f32x4 b) { return detail::minnum(a.v, b.v); }
+inline f32x8 minnum(f32x8 a, f32x8 b) { return detail::minnum(a.v, b.v); }
+inline f32x4 max_propagating(f32x4 a, f32x4 b) { return detail::max_propagating(a, b); }
+inline f32x8 max_propagating(f32x8 a, f32x8 b) { return detail::max_propagating(a, b); }
+inline f32x4 min_propagating(f32x4 a, f32x4 b) { return detail::min_propagating(a, b); }
+inline f32x8 min_propagating(f32x8 a, f32x8 b) { return detail::min_propagating(a, b); }
 
 inline f32x4 reverse(f32x4 a) { return {_mm_permute_ps(a.v, 0x1b)}; }
 inline f32x8 reverse(f32x8 a) {
@@ -115,6 +126,59 @@ inline halves<f32x8> deinterleave(f32x8 a, f32x8 b) {
   return {{_mm256_shuffle_ps(first, second, 0x88)}, {_mm256_shuffle_ps(first, second, 0xdd)}};
 }
 
+// Within each half of a register, which is all that joining needs to undo.
+inline halves<f32x4> split_pairs(f32x4 a, f32x4 b) { return deinterleave(a, b); }
+inline halves<f32x8> split_pairs(f32x8 a, f32x8 b) {
+  return {{_mm256_shuffle_ps(a.v, b.v, 0x88)}, {_mm256_shuffle_ps(a.v, b.v, 0xdd)}};
+}
+inline halves<f32x4> join_pairs(f32x4 even, f32x4 odd) { return interleave(even, odd); }
+inline halves<f32x8> join_pairs(f32x8 even, f32x8 odd) {
+  return {{_mm256_unpacklo_ps(even.v, odd.v)}, {_mm256_unpackhi_ps(even.v, odd.v)}};
+}
+inline f32x4 natural_order(f32x4 a) { return a; }
+inline f32x8 natural_order(f32x8 a) {
+  return {_mm256_castpd_ps(_mm256_permute4x64_pd(_mm256_castps_pd(a.v), 0xd8))};
+}
+
+inline f32x4 operator-(f32x4 a) { return {_mm_xor_ps(a.v, _mm_set1_ps(-0.0f))}; }
+inline f32x8 operator-(f32x8 a) { return {_mm256_xor_ps(a.v, _mm256_set1_ps(-0.0f))}; }
+inline f32x4 abs(f32x4 a) { return {_mm_andnot_ps(_mm_set1_ps(-0.0f), a.v)}; }
+inline f32x8 abs(f32x8 a) { return {_mm256_andnot_ps(_mm256_set1_ps(-0.0f), a.v)}; }
+inline f32x4 greater_of(f32x4 a, f32x4 b) { return {_mm_max_ps(a.v, b.v)}; }
+inline f32x8 greater_of(f32x8 a, f32x8 b) { return {_mm256_max_ps(a.v, b.v)}; }
+inline f32x4 lesser_of(f32x4 a, f32x4 b) { return {_mm_min_ps(a.v, b.v)}; }
+inline f32x8 lesser_of(f32x8 a, f32x8 b) { return {_mm256_min_ps(a.v, b.v)}; }
+inline f32x4 where_greater(f32x4 a, f32x4 b, f32x4 x, f32x4 y) {
+  return {detail::select(_mm_cmpgt_ps(a.v, b.v), x.v, y.v)};
+}
+inline f32x8 where_greater(f32x8 a, f32x8 b, f32x8 x, f32x8 y) {
+  return {detail::select(_mm256_cmp_ps(a.v, b.v, _CMP_GT_OQ), x.v, y.v)};
+}
+inline bool any_greater(f32x4 a, f32x4 b) { return _mm_movemask_ps(_mm_cmpgt_ps(a.v, b.v)) != 0; }
+inline bool any_greater(f32x8 a, f32x8 b) {
+  return _mm256_movemask_ps(_mm256_cmp_ps(a.v, b.v, _CMP_GT_OQ)) != 0;
+}
+
+inline f32x4 lower(f32x8 a) { return {_mm256_castps256_ps128(a.v)}; }
+inline f32x4 upper(f32x8 a) { return {_mm256_extractf128_ps(a.v, 1)}; }
+inline f32x8 both(f32x4 lo, f32x4 hi) { return {_mm256_set_m128(hi.v, lo.v)}; }
+
+struct f64x4 {
+  __m256d v;
+
+  f64x4(__m256d lanes) : v(lanes) {}
+  f64x4(double x) : v(_mm256_set1_pd(x)) {}
+};
+
+template <>
+struct wide_of<f32x4> {
+  using type = f64x4;
+};
+inline f64x4 widen(f32x4 a) { return {_mm256_cvtps_pd(a.v)}; }
+inline f32x4 narrow(f64x4 a) { return {_mm256_cvtpd_ps(a.v)}; }
+inline f64x4 operator*(f64x4 a, f64x4 b) { return {_mm256_mul_pd(a.v, b.v)}; }
+inline f64x4 operator/(f64x4 a, f64x4 b) { return {_mm256_div_pd(a.v, b.v)}; }
+
 inline void transpose(f32x4 (&r)[4]) { _MM_TRANSPOSE4_PS(r[0].v, r[1].v, r[2].v, r[3].v); }
 
 inline void transpose(f32x8 (&r)[8]) {
@@ -136,3 +200,5 @@ inline void transpose(f32x8 (&r)[8]) {
 }
 
 }  // namespace mvk
+
+#include "core/simd/wide8.h"

@@ -7,15 +7,15 @@ namespace mvk {
 
 struct f32x4 {
   float32x4_t v;
+
+  f32x4() = default;
+  f32x4(float32x4_t lanes) : v(lanes) {}
+  f32x4(float x) : v(vdupq_n_f32(x)) {}
 };
 
 template <>
 inline f32x4 load<f32x4>(const float *p) {
   return {vld1q_f32(p)};
-}
-template <>
-inline f32x4 splat<f32x4>(float x) {
-  return {vdupq_n_f32(x)};
 }
 inline void store(float *p, f32x4 a) { vst1q_f32(p, a.v); }
 
@@ -54,6 +54,36 @@ inline void transpose(f32x4 (&r)[4]) {
   r[3] = hi.hi;
 }
 
+inline halves<f32x4> split_pairs(f32x4 a, f32x4 b) { return deinterleave(a, b); }
+inline halves<f32x4> join_pairs(f32x4 even, f32x4 odd) { return interleave(even, odd); }
+inline f32x4 natural_order(f32x4 a) { return a; }
+
+inline f32x4 operator-(f32x4 a) { return {vnegq_f32(a.v)}; }
+inline f32x4 abs(f32x4 a) { return {vabsq_f32(a.v)}; }
+inline f32x4 where_greater(f32x4 a, f32x4 b, f32x4 x, f32x4 y) {
+  return {vbslq_f32(vcgtq_f32(a.v, b.v), x.v, y.v)};
+}
+inline f32x4 greater_of(f32x4 a, f32x4 b) { return where_greater(a, b, a, b); }
+inline f32x4 lesser_of(f32x4 a, f32x4 b) { return where_greater(b, a, a, b); }
+inline bool any_greater(f32x4 a, f32x4 b) { return vmaxvq_u32(vcgtq_f32(a.v, b.v)) != 0; }
+
+struct f64x4 {
+  float64x2_t lo, hi;
+
+  f64x4(float64x2_t a, float64x2_t b) : lo(a), hi(b) {}
+  f64x4(double x) : lo(vdupq_n_f64(x)), hi(lo) {}
+};
+
+template <>
+struct wide_of<f32x4> {
+  using type = f64x4;
+};
+inline f64x4 widen(f32x4 a) { return {vcvt_f64_f32(vget_low_f32(a.v)), vcvt_high_f64_f32(a.v)}; }
+inline f32x4 narrow(f64x4 a) { return {vcvt_high_f32_f64(vcvt_f32_f64(a.lo), a.hi)}; }
+inline f64x4 operator*(f64x4 a, f64x4 b) { return {vmulq_f64(a.lo, b.lo), vmulq_f64(a.hi, b.hi)}; }
+inline f64x4 operator/(f64x4 a, f64x4 b) { return {vdivq_f64(a.lo, b.lo), vdivq_f64(a.hi, b.hi)}; }
+
 }  // namespace mvk
 
 #include "core/simd/pair8.h"
+#include "core/simd/wide8.h"

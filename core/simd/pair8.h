@@ -5,15 +5,15 @@ namespace mvk {
 
 struct f32x8 {
   f32x4 lo, hi;
+
+  f32x8() = default;
+  f32x8(f32x4 a, f32x4 b) : lo(a), hi(b) {}
+  f32x8(float x) : lo(x), hi(x) {}
 };
 
 template <>
 inline f32x8 load<f32x8>(const float *p) {
   return {load<f32x4>(p), load<f32x4>(p + 4)};
-}
-template <>
-inline f32x8 splat<f32x8>(float x) {
-  return {splat<f32x4>(x), splat<f32x4>(x)};
 }
 inline void store(float *p, f32x8 v) {
   store(p, v.lo);
@@ -54,6 +54,27 @@ inline halves<f32x8> deinterleave(f32x8 a, f32x8 b) {
   const auto lo = deinterleave(a.lo, a.hi), hi = deinterleave(b.lo, b.hi);
   return {{lo.lo, hi.lo}, {lo.hi, hi.hi}};
 }
+
+inline halves<f32x8> split_pairs(f32x8 a, f32x8 b) { return deinterleave(a, b); }
+inline halves<f32x8> join_pairs(f32x8 even, f32x8 odd) { return interleave(even, odd); }
+inline f32x8 natural_order(f32x8 a) { return a; }
+
+inline f32x8 operator-(f32x8 a) { return {-a.lo, -a.hi}; }
+inline f32x8 abs(f32x8 a) { return {abs(a.lo), abs(a.hi)}; }
+inline f32x8 greater_of(f32x8 a, f32x8 b) {
+  return {greater_of(a.lo, b.lo), greater_of(a.hi, b.hi)};
+}
+inline f32x8 lesser_of(f32x8 a, f32x8 b) { return {lesser_of(a.lo, b.lo), lesser_of(a.hi, b.hi)}; }
+inline f32x8 where_greater(f32x8 a, f32x8 b, f32x8 x, f32x8 y) {
+  return {where_greater(a.lo, b.lo, x.lo, y.lo), where_greater(a.hi, b.hi, x.hi, y.hi)};
+}
+inline bool any_greater(f32x8 a, f32x8 b) {
+  return any_greater(a.lo, b.lo) || any_greater(a.hi, b.hi);
+}
+
+inline f32x4 lower(f32x8 a) { return a.lo; }
+inline f32x4 upper(f32x8 a) { return a.hi; }
+inline f32x8 both(f32x4 lo, f32x4 hi) { return {lo, hi}; }
 
 inline void transpose(f32x8 (&r)[8]) {
   const auto quarter = [&r](int row, f32x4 f32x8::*half) {

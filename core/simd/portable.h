@@ -2,6 +2,7 @@
 // that the other backends answer to.
 #pragma once
 
+#include <cmath>
 #include <utility>
 
 #include "core/simd/scalar.h"
@@ -10,24 +11,24 @@ namespace mvk {
 
 struct f32x4 {
   float v[4];
+
+  f32x4() = default;
+  f32x4(float a, float b, float c, float d) : v{a, b, c, d} {}
+  f32x4(float x) : v{x, x, x, x} {}
 };
 
 namespace detail {
 
 template <class Op, class... Vs>
 inline f32x4 each_lane(Op op, Vs... vs) {
-  return {{op(vs.v[0]...), op(vs.v[1]...), op(vs.v[2]...), op(vs.v[3]...)}};
+  return {op(vs.v[0]...), op(vs.v[1]...), op(vs.v[2]...), op(vs.v[3]...)};
 }
 
 }  // namespace detail
 
 template <>
 inline f32x4 load<f32x4>(const float *p) {
-  return {{p[0], p[1], p[2], p[3]}};
-}
-template <>
-inline f32x4 splat<f32x4>(float x) {
-  return {{x, x, x, x}};
+  return {p[0], p[1], p[2], p[3]};
 }
 inline void store(float *p, f32x4 v) {
   for (int l = 0; l < 4; ++l) p[l] = v.v[l];
@@ -59,13 +60,13 @@ inline f32x4 min_propagating(f32x4 a, f32x4 b) {
   return detail::each_lane(min_propagating<float>, a, b);
 }
 
-inline f32x4 reverse(f32x4 a) { return {{a.v[3], a.v[2], a.v[1], a.v[0]}}; }
+inline f32x4 reverse(f32x4 a) { return {a.v[3], a.v[2], a.v[1], a.v[0]}; }
 
 inline halves<f32x4> interleave(f32x4 a, f32x4 b) {
-  return {{{a.v[0], b.v[0], a.v[1], b.v[1]}}, {{a.v[2], b.v[2], a.v[3], b.v[3]}}};
+  return {f32x4(a.v[0], b.v[0], a.v[1], b.v[1]), f32x4(a.v[2], b.v[2], a.v[3], b.v[3])};
 }
 inline halves<f32x4> deinterleave(f32x4 a, f32x4 b) {
-  return {{{a.v[0], a.v[2], b.v[0], b.v[2]}}, {{a.v[1], a.v[3], b.v[1], b.v[3]}}};
+  return {f32x4(a.v[0], a.v[2], b.v[0], b.v[2]), f32x4(a.v[1], a.v[3], b.v[1], b.v[3])};
 }
 
 inline void transpose(f32x4 (&r)[4]) {
@@ -73,6 +74,53 @@ inline void transpose(f32x4 (&r)[4]) {
     for (int j = i + 1; j < 4; ++j) std::swap(r[i].v[j], r[j].v[i]);
 }
 
+inline halves<f32x4> split_pairs(f32x4 a, f32x4 b) { return deinterleave(a, b); }
+inline halves<f32x4> join_pairs(f32x4 even, f32x4 odd) { return interleave(even, odd); }
+inline f32x4 natural_order(f32x4 a) { return a; }
+
+inline f32x4 operator-(f32x4 a) {
+  return detail::each_lane([](float x) { return -x; }, a);
+}
+inline f32x4 abs(f32x4 a) {
+  return detail::each_lane([](float x) { return std::fabs(x); }, a);
+}
+inline f32x4 greater_of(f32x4 a, f32x4 b) {
+  return detail::each_lane([](float x, float y) { return greater_of(x, y); }, a, b);
+}
+inline f32x4 lesser_of(f32x4 a, f32x4 b) {
+  return detail::each_lane([](float x, float y) { return lesser_of(x, y); }, a, b);
+}
+inline f32x4 where_greater(f32x4 a, f32x4 b, f32x4 x, f32x4 y) {
+  return detail::each_lane([](float p, float q, float t, float f) { return p > q ? t : f; }, a, b,
+                           x, y);
+}
+inline bool any_greater(f32x4 a, f32x4 b) {
+  return a.v[0] > b.v[0] || a.v[1] > b.v[1] || a.v[2] > b.v[2] || a.v[3] > b.v[3];
+}
+
+struct f64x4 {
+  double v[4];
+
+  f64x4(double a, double b, double c, double d) : v{a, b, c, d} {}
+  f64x4(double x) : v{x, x, x, x} {}
+};
+
+template <>
+struct wide_of<f32x4> {
+  using type = f64x4;
+};
+inline f64x4 widen(f32x4 a) { return {a.v[0], a.v[1], a.v[2], a.v[3]}; }
+inline f32x4 narrow(f64x4 a) {
+  return {narrow(a.v[0]), narrow(a.v[1]), narrow(a.v[2]), narrow(a.v[3])};
+}
+inline f64x4 operator*(f64x4 a, f64x4 b) {
+  return {a.v[0] * b.v[0], a.v[1] * b.v[1], a.v[2] * b.v[2], a.v[3] * b.v[3]};
+}
+inline f64x4 operator/(f64x4 a, f64x4 b) {
+  return {a.v[0] / b.v[0], a.v[1] / b.v[1], a.v[2] / b.v[2], a.v[3] / b.v[3]};
+}
+
 }  // namespace mvk
 
 #include "core/simd/pair8.h"
+#include "core/simd/wide8.h"

@@ -10,10 +10,6 @@ template <>
 inline float load<float>(const float *p) {
   return *p;
 }
-template <>
-inline float splat<float>(float x) {
-  return x;
-}
 inline void store(float *p, float x) { *p = x; }
 
 template <std::floating_point T>
@@ -51,5 +47,18 @@ template <std::floating_point T>
 inline T min_propagating(T a, T b) {
   return a != a || b != b ? a + b : minnum(a, b);
 }
+
+inline float abs(float a) { return std::fabs(a); }
+inline float greater_of(float a, float b) { return a > b ? a : b; }
+inline float lesser_of(float a, float b) { return a < b ? a : b; }
+inline float where_greater(float a, float b, float x, float y) { return a > b ? x : y; }
+inline bool any_greater(float a, float b) { return a > b; }
+
+template <>
+struct wide_of<float> {
+  using type = double;
+};
+inline double widen(float x) { return x; }
+inline float narrow(double x) { return static_cast<float>(x); }
 
 }  // namespace mvk

@@ -27,9 +27,8 @@ TEST(Counted, VisitsEverySampleOnceWithAtMostOneFour) {
 
 TEST(Counted, WorksInPlace) {
   std::vector<float> x(31, 1.5f);
-  mvk::counted(x.size(), [&]<class V>(std::size_t i) {
-    mvk::store(&x[i], mvk::load<V>(&x[i]) + mvk::splat<V>(1));
-  });
+  mvk::counted(x.size(),
+               [&]<class V>(std::size_t i) { mvk::store(&x[i], mvk::load<V>(&x[i]) + V(1)); });
   EXPECT_EQ(x, std::vector<float>(31, 2.5f));
 }
 

@@ -58,14 +58,14 @@ TYPED_TEST(Vector, FmaIsAProductPlusAnAddend) {
 TYPED_TEST(Vector, FmsSubtractsTheProductFromTheAddend) {
   using V = TypeParam;
   const auto op = [](V a, V b, V c) { return mvk::fms(a, b, c); };
-  EXPECT_EQ(to_array(op(mvk::splat<V>(2), mvk::splat<V>(3), mvk::splat<V>(10)))[0], 4.0f);
+  EXPECT_EQ(to_array(op(V(2), V(3), V(10)))[0], 4.0f);
   expect_lanes<V>(op, [](float a, float b, float c) { return std::fma(-a, b, c); });
 }
 
 TYPED_TEST(Vector, FnmsSubtractsTheAddendFromTheProduct) {
   using V = TypeParam;
   const auto op = [](V a, V b, V c) { return mvk::fnms(a, b, c); };
-  EXPECT_EQ(to_array(op(mvk::splat<V>(2), mvk::splat<V>(3), mvk::splat<V>(10)))[0], -4.0f);
+  EXPECT_EQ(to_array(op(V(2), V(3), V(10)))[0], -4.0f);
   expect_lanes<V>(op, [](float a, float b, float c) { return std::fma(a, b, -c); });
 }
 
@@ -116,6 +116,50 @@ TYPED_TEST(Vector, PropagatingExtremesKeepANanAndOrderZeros) {
                   });
 }
 
+TYPED_TEST(Vector, SignOperationsTouchTheSignBitOnly) {
+  using V = TypeParam;
+  expect_lanes<V>([](V a, V, V) { return -a; }, [](float a, float, float) { return -a; });
+  expect_lanes<V>([](V a, V, V) { return mvk::abs(a); },
+                  [](float a, float, float) { return std::signbit(a) ? -a : a; });
+}
+
+TYPED_TEST(Vector, SelectionTakesTheSecondUnlessTheComparisonHolds) {
+  using V = TypeParam;
+  expect_lanes<V>([](V a, V b, V) { return mvk::greater_of(a, b); },
+                  [](float a, float b, float) { return a > b ? a : b; });
+  expect_lanes<V>([](V a, V b, V) { return mvk::lesser_of(a, b); },
+                  [](float a, float b, float) { return a < b ? a : b; });
+  expect_lanes<V>([](V a, V b, V c) { return mvk::where_greater(a, b, c, V(7)); },
+                  [](float a, float b, float c) { return a > b ? c : 7.0f; });
+}
+
+TYPED_TEST(Vector, AnyGreaterLooksAtEveryLane) {
+  using V = TypeParam;
+  for (std::size_t l = 0; l < mvk::lanes<V>; ++l) {
+    array_of<V> a{};
+    a[l] = 1;
+    EXPECT_TRUE(mvk::any_greater(from_array<V>(a), V(0.5f))) << "lane " << l;
+    EXPECT_FALSE(mvk::any_greater(from_array<V>(a), V(1)));
+    EXPECT_FALSE(mvk::any_greater(from_array<V>(a), V(NAN)));
+    a[l] = NAN;
+    EXPECT_FALSE(mvk::any_greater(from_array<V>(a), V(0)));
+  }
+}
+
+TYPED_TEST(Vector, WideProductsAndQuotientsAreRoundedOnceWhenNarrowed) {
+  using V = TypeParam;
+  expect_lanes<V>(
+      [](V a, V b, V c) { return mvk::narrow(mvk::widen(a) * mvk::widen(b) * mvk::widen(c)); },
+      [](float a, float b, float c) {
+        return static_cast<float>(double{a} * double{b} * double{c});
+      });
+  expect_lanes<V>(
+      [](V a, V b, V) { return mvk::narrow(mvk::widen(a) / mvk::widen(b)); },
+      [](float a, float b, float) { return static_cast<float>(double{a} / double{b}); });
+  const auto third = mvk::wide<V>(1) / mvk::wide<V>(3);
+  for (const float x : to_array(mvk::narrow(third))) EXPECT_EQ(x, 1.0f / 3);
+}
+
 TYPED_TEST(Vector, LoadsAndStoresAtAnyFloatAddress) {
   using V = TypeParam;
   float source[24], target[24];
@@ -131,7 +175,7 @@ TYPED_TEST(Vector, LoadsAndStoresAtAnyFloatAddress) {
 }
 
 TYPED_TEST(Vector, SplatFillsEveryLane) {
-  for (const float x : to_array(mvk::splat<TypeParam>(2.5f))) EXPECT_EQ(x, 2.5f);
+  for (const float x : to_array(TypeParam(2.5f))) EXPECT_EQ(x, 2.5f);
 }
 
 // ---- Rearrangements -----------------------------------------------------------
@@ -166,6 +210,18 @@ TYPED_TEST(Arranged, InterleaveAlternatesAndDeinterleaveUndoesIt) {
   const mvk::halves<V> apart = mvk::deinterleave(mixed.lo, mixed.hi);
   EXPECT_EQ(to_array(apart.lo), to_array(even));
   EXPECT_EQ(to_array(apart.hi), to_array(odd));
+}
+
+TYPED_TEST(Arranged, SplitPairsAreOrderedByNaturalOrderAndJoinedAgain) {
+  using V = TypeParam;
+  constexpr int n = mvk::lanes<V>;
+  const V first = from_array<V>(ramp<V>(0)), second = from_array<V>(ramp<V>(n));
+  const mvk::halves<V> parts = mvk::split_pairs(first, second);
+  EXPECT_EQ(to_array(mvk::natural_order(parts.lo)), ramp<V>(0, 2));
+  EXPECT_EQ(to_array(mvk::natural_order(parts.hi)), ramp<V>(1, 2));
+  const mvk::halves<V> joined = mvk::join_pairs(parts.lo, parts.hi);
+  EXPECT_EQ(to_array(joined.lo), to_array(first));
+  EXPECT_EQ(to_array(joined.hi), to_array(second));
 }
 
 TYPED_TEST(Arranged, TransposeExchangesRowsAndLanes) {
