@@ -9,18 +9,18 @@
 namespace mvk {
 
 // Runs body.operator()<V>(i) over samples i to i + lanes<V> - 1 until n samples
-// are done: in eights, then at most one four, then one at a time. No sample is
-// visited twice, so a body may work in place.
+// are done: in eights, then in fours, then one at a time, beginning with the
+// widest that is asked for. No sample is visited twice, so a body may work in
+// place.
 //
-//     counted(n, [&]<class V>(size_t i) { store(y + i, load<V>(x + i) * V(g)); });
-template <class Body>
-inline void counted(std::size_t n, Body body) {
+//     counted(n, [&]<class V>(size_t i) { store(y + i, load<V>(x + i) * g); });
+template <class Widest = f32x8, class Body>
+[[gnu::always_inline]] inline void counted(std::size_t n, Body body) {
   std::size_t i = 0;
-  for (; n - i >= 8; i += 8) body.template operator()<f32x8>(i);
-  if (n - i >= 4) {
-    body.template operator()<f32x4>(i);
-    i += 4;
-  }
+  if constexpr (lanes<Widest> == 8)
+    for (; i + 8 <= n; i += 8) body.template operator()<f32x8>(i);
+  if constexpr (lanes<Widest> >= 4)
+    for (; i + 4 <= n; i += 4) body.template operator()<f32x4>(i);
   for (; i < n; ++i) body.template operator()<float>(i);
 }
 

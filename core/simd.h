@@ -25,14 +25,19 @@
 //   split_pairs(a, b)            {even lanes, odd lanes} of a b, but in an order of
 //                                lanes of the processor's own
 //   join_pairs(e, o)             its inverse
-//   natural_order(v)             from that order of lanes to the order in memory
+//   natural_order(v)             from that order of lanes to the order in memory; it
+//                                is its own inverse
 //   abs(v), -v                   sign bit cleared, inverted
 //   greater_of(a, b)             a > b ? a : b, lane by lane: b for a NaN
 //   lesser_of(a, b)              a < b ? a : b
 //   where_greater(a, b, x, y)    a > b ? x : y
+//   greater_magnitude(a, b)      the larger of |a| and |b| by their bits, so that a
+//                                NaN is greater than infinity
+//   alternate(e, o)              even lanes of e, odd lanes of o
 //   any_greater(a, b)            a > b in some lane
 //   widen(v), narrow(w)          binary64 in every lane, and back with one
 //                                rounding; wide<V> has * / and W(x)
+//   lower(v), upper(v), sum(w)   halves of a vector; w[0] + w[1] of an f64x2
 //
 // (The names fms and fnms are the equations' own: x86's fmsub is fnms here and
 // its fnmadd is fms.)

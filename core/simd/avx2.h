@@ -154,6 +154,15 @@ inline f32x4 where_greater(f32x4 a, f32x4 b, f32x4 x, f32x4 y) {
 inline f32x8 where_greater(f32x8 a, f32x8 b, f32x8 x, f32x8 y) {
   return {detail::select(_mm256_cmp_ps(a.v, b.v, _CMP_GT_OQ), x.v, y.v)};
 }
+inline f32x4 greater_magnitude(f32x4 a, f32x4 b) {
+  return _mm_castsi128_ps(_mm_max_epi32(_mm_castps_si128(abs(a).v), _mm_castps_si128(abs(b).v)));
+}
+inline f32x8 greater_magnitude(f32x8 a, f32x8 b) {
+  return _mm256_castsi256_ps(
+      _mm256_max_epi32(_mm256_castps_si256(abs(a).v), _mm256_castps_si256(abs(b).v)));
+}
+inline f32x4 alternate(f32x4 even, f32x4 odd) { return _mm_blend_ps(even.v, odd.v, 0xa); }
+inline f32x8 alternate(f32x8 even, f32x8 odd) { return _mm256_blend_ps(even.v, odd.v, 0xaa); }
 inline bool any_greater(f32x4 a, f32x4 b) { return _mm_movemask_ps(_mm_cmpgt_ps(a.v, b.v)) != 0; }
 inline bool any_greater(f32x8 a, f32x8 b) {
   return _mm256_movemask_ps(_mm256_cmp_ps(a.v, b.v, _CMP_GT_OQ)) != 0;
@@ -162,6 +171,12 @@ inline bool any_greater(f32x8 a, f32x8 b) {
 inline f32x4 lower(f32x8 a) { return {_mm256_castps256_ps128(a.v)}; }
 inline f32x4 upper(f32x8 a) { return {_mm256_extractf128_ps(a.v, 1)}; }
 inline f32x8 both(f32x4 lo, f32x4 hi) { return {_mm256_set_m128(hi.v, lo.v)}; }
+
+struct f64x2 {
+  __m128d v;
+};
+inline f64x2 operator+(f64x2 a, f64x2 b) { return {_mm_add_pd(a.v, b.v)}; }
+inline double sum(f64x2 a) { return a.v[0] + a.v[1]; }
 
 struct f64x4 {
   __m256d v;
@@ -177,6 +192,8 @@ struct wide_of<f32x4> {
 inline f64x4 widen(f32x4 a) { return {_mm256_cvtps_pd(a.v)}; }
 inline f32x4 narrow(f64x4 a) { return {_mm256_cvtpd_ps(a.v)}; }
 inline f64x4 operator*(f64x4 a, f64x4 b) { return {_mm256_mul_pd(a.v, b.v)}; }
+inline f64x2 lower(f64x4 a) { return {_mm256_castpd256_pd128(a.v)}; }
+inline f64x2 upper(f64x4 a) { return {_mm256_extractf128_pd(a.v, 1)}; }
 inline f64x4 operator/(f64x4 a, f64x4 b) { return {_mm256_div_pd(a.v, b.v)}; }
 
 inline void transpose(f32x4 (&r)[4]) { _MM_TRANSPOSE4_PS(r[0].v, r[1].v, r[2].v, r[3].v); }

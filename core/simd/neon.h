@@ -65,7 +65,20 @@ inline f32x4 where_greater(f32x4 a, f32x4 b, f32x4 x, f32x4 y) {
 }
 inline f32x4 greater_of(f32x4 a, f32x4 b) { return where_greater(a, b, a, b); }
 inline f32x4 lesser_of(f32x4 a, f32x4 b) { return where_greater(b, a, a, b); }
+inline f32x4 greater_magnitude(f32x4 a, f32x4 b) {
+  return vreinterpretq_f32_u32(
+      vmaxq_u32(vreinterpretq_u32_f32(vabsq_f32(a.v)), vreinterpretq_u32_f32(vabsq_f32(b.v))));
+}
+inline f32x4 alternate(f32x4 even, f32x4 odd) {
+  return vtrn2q_f32(vextq_f32(even.v, even.v, 3), odd.v);
+}
 inline bool any_greater(f32x4 a, f32x4 b) { return vmaxvq_u32(vcgtq_f32(a.v, b.v)) != 0; }
+
+struct f64x2 {
+  float64x2_t v;
+};
+inline f64x2 operator+(f64x2 a, f64x2 b) { return {vaddq_f64(a.v, b.v)}; }
+inline double sum(f64x2 a) { return vgetq_lane_f64(a.v, 0) + vgetq_lane_f64(a.v, 1); }
 
 struct f64x4 {
   float64x2_t lo, hi;
@@ -81,6 +94,8 @@ struct wide_of<f32x4> {
 inline f64x4 widen(f32x4 a) { return {vcvt_f64_f32(vget_low_f32(a.v)), vcvt_high_f64_f32(a.v)}; }
 inline f32x4 narrow(f64x4 a) { return {vcvt_high_f32_f64(vcvt_f32_f64(a.lo), a.hi)}; }
 inline f64x4 operator*(f64x4 a, f64x4 b) { return {vmulq_f64(a.lo, b.lo), vmulq_f64(a.hi, b.hi)}; }
+inline f64x2 lower(f64x4 a) { return {a.lo}; }
+inline f64x2 upper(f64x4 a) { return {a.hi}; }
 inline f64x4 operator/(f64x4 a, f64x4 b) { return {vdivq_f64(a.lo, b.lo), vdivq_f64(a.hi, b.hi)}; }
 
 }  // namespace mvk

@@ -68,6 +68,12 @@ inline f32x8 lesser_of(f32x8 a, f32x8 b) { return {lesser_of(a.lo, b.lo), lesser
 inline f32x8 where_greater(f32x8 a, f32x8 b, f32x8 x, f32x8 y) {
   return {where_greater(a.lo, b.lo, x.lo, y.lo), where_greater(a.hi, b.hi, x.hi, y.hi)};
 }
+inline f32x8 greater_magnitude(f32x8 a, f32x8 b) {
+  return {greater_magnitude(a.lo, b.lo), greater_magnitude(a.hi, b.hi)};
+}
+inline f32x8 alternate(f32x8 even, f32x8 odd) {
+  return {alternate(even.lo, odd.lo), alternate(even.hi, odd.hi)};
+}
 inline bool any_greater(f32x8 a, f32x8 b) {
   return any_greater(a.lo, b.lo) || any_greater(a.hi, b.hi);
 }

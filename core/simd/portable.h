@@ -94,9 +94,19 @@ inline f32x4 where_greater(f32x4 a, f32x4 b, f32x4 x, f32x4 y) {
   return detail::each_lane([](float p, float q, float t, float f) { return p > q ? t : f; }, a, b,
                            x, y);
 }
+inline f32x4 greater_magnitude(f32x4 a, f32x4 b) {
+  return detail::each_lane([](float x, float y) { return greater_magnitude(x, y); }, a, b);
+}
+inline f32x4 alternate(f32x4 even, f32x4 odd) { return {even.v[0], odd.v[1], even.v[2], odd.v[3]}; }
 inline bool any_greater(f32x4 a, f32x4 b) {
   return a.v[0] > b.v[0] || a.v[1] > b.v[1] || a.v[2] > b.v[2] || a.v[3] > b.v[3];
 }
+
+struct f64x2 {
+  double v[2];
+};
+inline f64x2 operator+(f64x2 a, f64x2 b) { return {{a.v[0] + b.v[0], a.v[1] + b.v[1]}}; }
+inline double sum(f64x2 a) { return a.v[0] + a.v[1]; }
 
 struct f64x4 {
   double v[4];
@@ -116,6 +126,8 @@ inline f32x4 narrow(f64x4 a) {
 inline f64x4 operator*(f64x4 a, f64x4 b) {
   return {a.v[0] * b.v[0], a.v[1] * b.v[1], a.v[2] * b.v[2], a.v[3] * b.v[3]};
 }
+inline f64x2 lower(f64x4 a) { return {{a.v[0], a.v[1]}}; }
+inline f64x2 upper(f64x4 a) { return {{a.v[2], a.v[3]}}; }
 inline f64x4 operator/(f64x4 a, f64x4 b) {
   return {a.v[0] / b.v[0], a.v[1] / b.v[1], a.v[2] / b.v[2], a.v[3] / b.v[3]};
 }

@@ -25,6 +25,23 @@ TEST(Counted, VisitsEverySampleOnceWithAtMostOneFour) {
   }
 }
 
+TEST(Counted, GoesInNoWiderStepsThanAskedFor) {
+  for (std::size_t n = 0; n <= 19; ++n) {
+    std::size_t fours = 0, ones = 0;
+    mvk::counted<mvk::f32x4>(n, [&]<class V>(std::size_t) {
+      (mvk::lanes<V> == 4 ? fours : ones) += mvk::lanes<V> <= 4;
+    });
+    EXPECT_EQ(fours, n / 4);
+    EXPECT_EQ(ones, n % 4);
+    std::size_t expected_next = 0;
+    mvk::counted<float>(n, [&]<class V>(std::size_t i) {
+      static_assert(mvk::lanes<V> == 1);
+      EXPECT_EQ(i, expected_next++);
+    });
+    EXPECT_EQ(expected_next, n);
+  }
+}
+
 TEST(Counted, WorksInPlace) {
   std::vector<float> x(31, 1.5f);
   mvk::counted(x.size(),

@@ -133,6 +133,15 @@ TYPED_TEST(Vector, SelectionTakesTheSecondUnlessTheComparisonHolds) {
                   [](float a, float b, float c) { return a > b ? c : 7.0f; });
 }
 
+TYPED_TEST(Vector, GreaterMagnitudeComparesBitsAndKeepsNans) {
+  using V = TypeParam;
+  expect_lanes<V>([](V a, V b, V) { return mvk::greater_magnitude(a, b); },
+                  [](float a, float b, float) {
+                    if (std::isnan(a) || std::isnan(b)) return NAN;
+                    return std::fabs(a) > std::fabs(b) ? std::fabs(a) : std::fabs(b);
+                  });
+}
+
 TYPED_TEST(Vector, AnyGreaterLooksAtEveryLane) {
   using V = TypeParam;
   for (std::size_t l = 0; l < mvk::lanes<V>; ++l) {
@@ -222,6 +231,24 @@ TYPED_TEST(Arranged, SplitPairsAreOrderedByNaturalOrderAndJoinedAgain) {
   const mvk::halves<V> joined = mvk::join_pairs(parts.lo, parts.hi);
   EXPECT_EQ(to_array(joined.lo), to_array(first));
   EXPECT_EQ(to_array(joined.hi), to_array(second));
+}
+
+TYPED_TEST(Arranged, AlternateTakesEvenLanesFromTheFirst) {
+  using V = TypeParam;
+  const array_of<V> mixed =
+      to_array(mvk::alternate(from_array<V>(ramp<V>(0)), from_array<V>(ramp<V>(100))));
+  for (std::size_t l = 0; l < mixed.size(); ++l)
+    EXPECT_EQ(mixed[l], static_cast<float>(l % 2 ? 100 + l : l)) << "lane " << l;
+}
+
+TEST(Halves, OfVectorsAndTheSumOfTwoDoubles) {
+  const auto eight = from_array<mvk::f32x8>(ramp<mvk::f32x8>(0));
+  EXPECT_EQ(to_array(mvk::lower(eight)), ramp<mvk::f32x4>(0));
+  EXPECT_EQ(to_array(mvk::upper(eight)), ramp<mvk::f32x4>(4));
+  EXPECT_EQ(to_array(mvk::both(mvk::lower(eight), mvk::upper(eight))), to_array(eight));
+  const auto four = mvk::widen(from_array<mvk::f32x4>({1, 0x1p-30f, 3, 0x1p-29f}));
+  EXPECT_EQ(mvk::sum(mvk::lower(four)), 1 + 0x1p-30);
+  EXPECT_EQ(mvk::sum(mvk::lower(four) + mvk::upper(four)), 4 + 0x1p-30 + 0x1p-29);
 }
 
 TYPED_TEST(Arranged, TransposeExchangesRowsAndLanes) {
