@@ -42,10 +42,12 @@ void repeat(benchmark::State &state, Step step) {
       Counter(static_cast<double>(samples), Counter::kIsRate | Counter::kInvert);
 }
 
-// States what a sample costs if nothing but its fused multiply-adds, counted by
-// the lane, took time. The report sets the measured time beside that floor.
-inline void count_fused(benchmark::State &state, double per_sample) {
-  state.counters["fused"] = per_sample;
+// States how many of an operation, which is a benchmark "floor/" + operation, a sample
+// can't do without. What all that are stated for a contender take together, the report
+// shows as that contender's time.
+inline void count(benchmark::State &state, const std::string &contender,
+                  const std::string &operation, double per_sample) {
+  state.counters[contender + ":" + operation] = per_sample;
 }
 
 // ---- Memory -------------------------------------------------------------------

@@ -1,23 +1,30 @@
-// The arithmetic floor: the processor's peak of fused multiply-adds, eight lanes
-// at a time, with nothing to load or store.
+// The arithmetic floor: how fast the processor does single operations with nothing
+// to load or store. The peak is of fused multiply-adds, eight lanes at a time, that
+// don't wait for each other; a latency is the step of a chain in which each does.
 #include "bench/bench.h"
 
 #if defined(__x86_64__)
 #include <immintrin.h>
-#define FUSED_TARGET __attribute__((target("avx2,fma")))
+#pragma GCC target("avx2,fma")
+#define KEEP_IN_REGISTER(value) asm volatile("" : "+x"(value))
 #elif defined(__aarch64__)
 #include <arm_neon.h>
-#define FUSED_TARGET
+#define KEEP_IN_REGISTER(value) asm volatile("" : "+w"(value))
 #endif
 
+#ifdef KEEP_IN_REGISTER
 namespace {
+
+constexpr int rounds = 1000;
+
+// ---- The peak -----------------------------------------------------------------
 
 #if defined(__x86_64__)
 using lanes8 = __m256;
 
-FUSED_TARGET inline lanes8 splat(float x) { return _mm256_set1_ps(x); }
-FUSED_TARGET inline void fuse(lanes8 &sum, lanes8 a, lanes8 b) { sum = _mm256_fmadd_ps(a, b, sum); }
-FUSED_TARGET inline void keep(lanes8 &sum) { asm volatile("" : "+x"(sum)); }
+inline lanes8 splat(float x) { return _mm256_set1_ps(x); }
+inline void fuse(lanes8 &sum, lanes8 a, lanes8 b) { sum = _mm256_fmadd_ps(a, b, sum); }
+inline void keep(lanes8 &sum) { KEEP_IN_REGISTER(sum); }
 #elif defined(__aarch64__)
 struct lanes8 {
   float32x4_t lo, hi;
@@ -28,17 +35,17 @@ inline void fuse(lanes8 &sum, lanes8 a, lanes8 b) {
   sum.lo = vfmaq_f32(sum.lo, a.lo, b.lo);
   sum.hi = vfmaq_f32(sum.hi, a.hi, b.hi);
 }
-inline void keep(lanes8 &sum) { asm volatile("" : "+w"(sum.lo), "+w"(sum.hi)); }
+inline void keep(lanes8 &sum) {
+  KEEP_IN_REGISTER(sum.lo);
+  KEEP_IN_REGISTER(sum.hi);
+}
 #endif
-
-#ifdef FUSED_TARGET
 
 // Enough sums under way that none waits for its own result, few enough that all
 // stay in registers.
 constexpr int sums = 12;
-constexpr int rounds = 1000;
 
-FUSED_TARGET void fused_rounds(float x, float y) {
+void fused_rounds(float x, float y) {
   const lanes8 a = splat(x), b = splat(y);
   lanes8 sum[sums];
   for (lanes8 &s : sum) s = splat(x);
@@ -48,6 +55,53 @@ FUSED_TARGET void fused_rounds(float x, float y) {
   }
 #pragma GCC unroll 12
   for (lanes8 &s : sum) keep(s);
+}
+
+// ---- Latencies ----------------------------------------------------------------
+
+typedef float single __attribute__((vector_size(16)));
+typedef double binary64 __attribute__((vector_size(16)));
+
+#if defined(__x86_64__)
+inline single fused(single a, single b, single c) { return _mm_fmadd_ps(a, b, c); }
+inline binary64 fused(binary64 a, binary64 b, binary64 c) { return _mm_fmadd_pd(a, b, c); }
+inline single greater(single a, single b) { return _mm_max_ps(a, b); }
+inline binary64 greater(binary64 a, binary64 b) { return _mm_max_pd(a, b); }
+#elif defined(__aarch64__)
+inline single fused(single a, single b, single c) { return vfmaq_f32(c, a, b); }
+inline binary64 fused(binary64 a, binary64 b, binary64 c) { return vfmaq_f64(c, a, b); }
+inline single greater(single a, single b) { return vmaxnmq_f32(a, b); }
+inline binary64 greater(binary64 a, binary64 b) { return vmaxnmq_f64(a, b); }
+#endif
+
+// Measures a chain of v = step(v, x). One is the value of both all along.
+template <class V, class Step>
+void enroll_latency(const std::string &operation, Step step) {
+  constexpr int unrolled = 10;
+  bench::enroll("floor/latency/" + operation, [=](benchmark::State &state) {
+    bench::repeat(state, [=] {
+      V v = V{} + 1, x = v;
+      KEEP_IN_REGISTER(x);
+      for (int i = 0; i < rounds; ++i) {
+#pragma GCC unroll 10
+        for (int j = 0; j < unrolled; ++j) {
+          v = step(v, x);
+          KEEP_IN_REGISTER(v);
+        }
+      }
+      return unrolled * rounds;
+    });
+  });
+}
+
+// A fused operation may be quicker to pass on its addend than its factors; the
+// floor takes the addend's.
+template <class V>
+void enroll_latencies(const std::string &suffix) {
+  enroll_latency<V>("fma" + suffix, [](V v, V x) { return fused(x, x - x, v); });
+  enroll_latency<V>("mul" + suffix, [](V v, V x) { return v * x; });
+  enroll_latency<V>("add" + suffix, [](V v, V x) { return v + (x - x); });
+  enroll_latency<V>("max" + suffix, [](V v, V x) { return greater(v, x); });
 }
 
 [[maybe_unused]] const bool enrolled = [] {
@@ -61,9 +115,10 @@ FUSED_TARGET void fused_rounds(float x, float y) {
       return 8 * sums * rounds;  // a "sample" is one lane of one operation
     });
   });
+  enroll_latencies<single>("");
+  enroll_latencies<binary64>("64");
   return true;
 }();
 
-#endif
-
 }  // namespace
+#endif

@@ -82,7 +82,7 @@ void measure(benchmark::State &state, rate_change change, unsigned channels,
     return state.SkipWithError(fault.what());
   }
   bench::repeat(state, [&] { return push(r, b) * channels; });
-  bench::count_fused(state, change.fused_per_output());
+  bench::count(state, "floor", "peak/fused", change.fused_per_output());
 }
 
 // high_frames: a block's frames at the higher rate. The library's is fixed; the
