@@ -2,7 +2,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
-#include <cstring>
 #include <type_traits>
 
 #include "acli.h"
@@ -51,9 +50,18 @@ struct run {
   std::uint64_t step;
 };
 
-// Converts n samples in order, by chunks: read, converted as one contiguous
-// array, written. In place that is as good as sample by sample, since a chunk's
-// samples lie behind all that has been written.
+// A walk by chunks is as good as one sample by sample: no sample is written over
+// before it is read.
+template <class From, class To>
+bool goes_by_chunks(run src, run dst, unsigned n) {
+  const auto from = reinterpret_cast<std::uintptr_t>(src.start);
+  const auto to = reinterpret_cast<std::uintptr_t>(dst.start);
+  const bool apart = to + n * dst.step <= from || from + n * src.step <= to;
+  return apart || (to <= from && dst.step <= src.step && sizeof(To) <= sizeof(From));
+}
+
+// Converts n samples in order: chunks of them are read, converted as one
+// contiguous array, and written.
 template <class From, class To, To sample(From)>
 void convert_run(run src, run dst, unsigned n) {
   constexpr unsigned chunk = 64;
@@ -66,18 +74,19 @@ void convert_run(run src, run dst, unsigned n) {
     src.start += count * src.step;
     dst.start += count * dst.step;
   };
-  for (; n >= chunk; n -= chunk) convert(std::integral_constant<unsigned, chunk>{});
-  if (n > 0) convert(n);
+  if (goes_by_chunks<From, To>(src, dst, n)) {
+    for (; n >= chunk; n -= chunk) convert(std::integral_constant<unsigned, chunk>{});
+    if (n > 0) convert(n);
+  } else {
+    for (; n > 0; --n) convert(std::integral_constant<unsigned, 1>{});
+  }
 }
 
 // Copies n floats as bits, so that a NaN keeps its own. A copy onto itself, as
 // the resampler makes where it stages floats for a host of floats, is left out.
 void copy_run(run src, run dst, unsigned n) {
   if (src.start == dst.start && src.step == dst.step) return;
-  if (src.step == sizeof(float) && dst.step == sizeof(float))
-    std::memmove(dst.start, src.start, n * sizeof(float));
-  else
-    convert_run<std::uint32_t, std::uint32_t, same_bits>(src, dst, n);
+  convert_run<std::uint32_t, std::uint32_t, same_bits>(src, dst, n);
 }
 
 struct conversion {
