@@ -353,7 +353,7 @@ MVK_TWINS(float *, blk_Liir2ssv3L_inplace, (float *y, const float *c, float *s))
 MVK_TWINS(float *, blk_Liir2ssv1_dsmpL, (float *y, const float *x, const float *c, float *s));
 MVK_TWINS(float *, blk_Liir2ssv1_usmpL, (float *y, const float *x, const float *c, float *s));
 
-/* ssv3 in place over n buffers, each with its own state and all with the one
+/* ssv3 in place over n buffers in order, each with a state and all with the one
  * coefficient record. Returns the array of buffers. */
 MVK_API float **MVK_blk_Liir2ssv3aLU_inplace(float **y, const float *c, float **s, uint32_t n);
 MVK_API float **MVK_blk_Liir2ssv3aLU_inplace_strict(float **y, const float *c, float **s,
@@ -435,8 +435,8 @@ MVK_TWINS(float *, vec_LmpyLSU, (float *y, const float *x, float s, uint32_t n))
 MVK_TWINS(float *, vec_LmpyLSU_inplace, (float *y, float s, uint32_t n));
 
 /* y[i] = x[i] * m[i], and with the mask backwards y[i] = x[i] * m[n-1-i]. A result
- * that begins within 16 bytes of an input is computed one element after the
- * other. */
+ * that begins less than 16 bytes from an input is computed one element after the
+ * other; further overlaps give what four elements at a time give. */
 MVK_TWINS(float *, vec_LmaskLSU, (float *y, const float *x, const float *m, uint32_t n));
 MVK_TWINS(float *, vec_Lmask_rev_coefLSU, (float *y, const float *x, const float *m, uint32_t n));
 
@@ -458,7 +458,8 @@ MVK_TWINS(float *, CLzeroCLU, (float *y, uint32_t n));
  * flex: y0 = fnms(a0, b0, a1 * b1); strict: y0 = fms(a1, b1, a0 * b0) */
 MVK_TWINS(float *, CLmpyCLCSU, (float *y, const float *a, const float *b, uint32_t n));
 
-/* y = x * s with a real scalar, and with a real vector y = x * v[i] */
+/* y = x * s with a real scalar, and with a real vector y = x * v[i], which y may
+ * not be */
 MVK_TWINS(float *, CLmpyCLSU, (float *y, const float *x, float s, uint32_t n));
 MVK_TWINS(float *, CLmpyCLVSU, (float *y, const float *x, const float *v, uint32_t n));
 
@@ -507,7 +508,7 @@ MVK_TWINS(float *, cvec_Lmpy_conjLLIU,
  *     7:  y = fma(g6, p6, fma(g4, p4, g5 * p5) + w) with w the mix of p0 to p3,
  *         and z with g7 to g13
  *
- * Those with two results return y. z may not be one of the planes. */
+ * Those with two results return y, and neither result may be one of their planes. */
 MVK_TWINS(float *, CLmix4CL4SU, (float *y, const float *planes, const float *g, uint32_t n));
 MVK_TWINS(float *, CLCLmix4CL8SU,
           (float *y, float *z, const float *planes, const float *g, uint32_t n));

@@ -3,6 +3,9 @@
 // The output of a sample comes from the state before it; then the state moves on.
 // The forms differ in the two, and are written over V: a float for one channel,
 // a vector for as many side by side.
+#include <bit>
+#include <cstdlib>
+
 #include "kernels/kernel.h"
 
 using namespace mvk;
@@ -139,6 +142,17 @@ void channels_in_place(float *const *y, const coefficients &c, float *const *s) 
   }
 }
 
+// The arrays of n floats that the pointers name don't touch each other.
+template <int count>
+bool are_apart(const float *const *p, std::ptrdiff_t n) {
+  for (int i = 0; i < count; ++i)
+    for (int j = 0; j < i; ++j) {
+      const auto distance = std::bit_cast<std::intptr_t>(p[i]) - std::bit_cast<std::intptr_t>(p[j]);
+      if (std::abs(distance) < n * static_cast<std::ptrdiff_t>(sizeof(float))) return false;
+    }
+  return true;
+}
+
 }  // namespace
 
 void MVK_blk_Liir2ssL_setup(float *s) { s[0] = s[1] = 0; }
@@ -171,7 +185,15 @@ extern "C" float **MVK_blk_Liir2ssv3aLU_inplace_strict(float **y, const float *c
                                                        uint32_t n)
     __attribute__((alias("MVK_blk_Liir2ssv3aLU_inplace")));
 float **MVK_blk_Liir2ssv3aLU_inplace(float **y, const float *c, float **s, uint32_t n) {
-  counted(n, [&]<class V>(std::size_t i) { channels_in_place<V>(y + i, coefficients(c), s + i); });
+  // Channels run side by side unless one has to wait for another.
+  counted(n, [&]<class V>(std::size_t i) {
+    constexpr int side_by_side = lanes<V>;
+    if (are_apart<side_by_side>(y + i, block_size) && are_apart<side_by_side>(s + i, 2))
+      channels_in_place<V>(y + i, coefficients(c), s + i);
+    else
+      for (int l = 0; l < side_by_side; ++l)
+        channels_in_place<float>(y + i + l, coefficients(c), s + i + l);
+  });
   return y;
 }
 

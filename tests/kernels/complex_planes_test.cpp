@@ -126,11 +126,28 @@ TEST(PlaneMixes, MayBeWrittenOverTheFirstPlaneIfThereIsOneResult) {
 }
 
 TEST(PlaneMixes, KeepSpecialValuesToTheirPlace) {
-  for (const VectorKernel &kernel : kPlaneMixes) ExpectSpecialValuesAtEachPlace(kernel);
+  for (const VectorKernel &kernel : kPlaneMixes) ExpectSpecialValuesAtEachPlace(kernel, 6);
 }
 
 TEST(PlaneMixes, TouchNothingOutside) {
   for (const VectorKernel &kernel : kPlaneMixes) ExpectNothingTouchedOutside(kernel);
+}
+
+TEST(PlaneMixes, MayBeWrittenOverAnyPlaneIfThereIsOneResult) {
+  constexpr uint32_t kCount = 21;
+  const size_t stride = reference::PlaneStride(kCount);
+  Random random(1);
+  for (size_t plane = 0; plane < 4; ++plane) {
+    GuardedFloats planes(Samples(kUniform, random, Planes<4>(kCount)), 1);
+    GuardedFloats gains(Samples(kUniform, random, 4), 2);
+    std::vector<float> want = planes.given();
+    for (size_t i = 0; i < Pairs(kCount); ++i) {
+      want[plane * stride + i] = reference::MixOfFourPlanes(
+          planes.given().data() + i, reference::PlaneStride(kCount), gains.data());
+    }
+    mvk_CLmix4CL4SU_flex(planes.data() + plane * stride, planes.data(), gains.data(), kCount);
+    EXPECT_TRUE(SameSamples(planes.values(), want, {"CLmix4CL4SU", "flex", kCount})) << plane;
+  }
 }
 
 // Planes that hold 1, 10, 100, ... in each place, and gains of one.

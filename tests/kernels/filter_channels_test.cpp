@@ -66,6 +66,38 @@ TEST(FilterChannels, AreEachFilteredIfAligned) {
   ExpectEachFiltered(MVK_blk_Liir2ssv3aLU_inplace_strict, "strict", true);
 }
 
+// Sections one behind the other: they share a buffer, or stretches of a stream
+// share a state.
+TEST(FilterChannels, ThatShareABufferOrAStateRunInOrder) {
+  Random random(2);
+  for (uint32_t n = 1; n <= 17; ++n) {
+    for (const bool share_buffer : {true, false}) {
+      const KernelCall call{"Liir2ssv3aLU_inplace", share_buffer ? "one buffer" : "one state", n};
+      Channels channels = Some(n, random, false);
+      GuardedFloats c(Samples(kUniform, random, 5), 0);
+      std::vector<std::vector<float>> wanted, states;
+      for (uint32_t i = 0; i < n; ++i) {
+        const uint32_t at = i == n - 1 ? 0 : i;  // the last one shares the first one's
+        wanted.push_back(channels.buffers[i].given());
+        states.push_back(channels.states[i].given());
+        (share_buffer ? channels.y : channels.s)[i] = (share_buffer ? channels.y : channels.s)[at];
+      }
+      for (uint32_t i = 0; i < n; ++i) {
+        const uint32_t at = i == n - 1 ? 0 : i;
+        std::vector<float> &buffer = wanted[share_buffer ? at : i];
+        const std::vector<float> in = buffer;
+        reference::StateSpace3(buffer.data(), in.data(), kBlockSize, c.data(),
+                               states[share_buffer ? i : at].data());
+      }
+      MVK_blk_Liir2ssv3aLU_inplace(channels.y.data(), c.data(), channels.s.data(), n);
+      for (uint32_t i = 0; i < n; ++i) {
+        EXPECT_TRUE(SameSamples(channels.buffers[i].values(), wanted[i], call)) << "channel " << i;
+        EXPECT_TRUE(SameSamples(channels.states[i].values(), states[i], call)) << "state " << i;
+      }
+    }
+  }
+}
+
 TEST(FilterChannels, OfNoneTouchNothing) {
   for (Kernel kernel : {MVK_blk_Liir2ssv3aLU_inplace, MVK_blk_Liir2ssv3aLU_inplace_strict}) {
     float *y = nullptr;

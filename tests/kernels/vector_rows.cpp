@@ -194,10 +194,10 @@ void ExpectResultsOverInputs(const VectorKernel &kernel) {
   }
 }
 
-void ExpectSpecialValuesAtEachPlace(const VectorKernel &kernel) {
+void ExpectSpecialValuesAtEachPlace(const VectorKernel &kernel, uint32_t most) {
   Random random(4);
   for (Form form : kForms) {
-    for (uint32_t n : CountsUpTo(13, kernel, form)) {
+    for (uint32_t n : CountsUpTo(most, kernel, form)) {
       Start start = RandomStart(kernel, kUniform, random, n);
       for (std::vector<float> *buffer : {&start.y, &start.z, &start.a, &start.b}) {
         for (float &place : *buffer) {

@@ -56,8 +56,9 @@ void ExpectAnySamples(const VectorKernel &kernel);
 // The result is the first input, the second or both at once.
 void ExpectResultsOverInputs(const VectorKernel &kernel);
 
-// A special value at each place of each buffer in turn: the others don't see it.
-void ExpectSpecialValuesAtEachPlace(const VectorKernel &kernel);
+// A special value at each place of each buffer in turn, at counts up to `most`: the
+// other places don't see it.
+void ExpectSpecialValuesAtEachPlace(const VectorKernel &kernel, uint32_t most = 13);
 
 // Special scalars with special samples, every pair of them.
 void ExpectSpecialScalars(const VectorKernel &kernel);
