@@ -8,11 +8,15 @@
 #include "core/simd.h"
 #include "mvk_kernels.h"
 
+// What the compiler finds out about a routine needn't be said of its other name.
+#if defined(__GNUC__) && !defined(__clang__)
+#pragma GCC diagnostic ignored "-Wmissing-attributes"
+#endif
+
 // Begins the definition of a kernel whose two forms are one routine,
 // mvk_<name>_flex, which MVK_<name>_strict names as well.
-#define MVK_KERNEL(result, name, ...)                        \
-  extern "C" result MVK_##name##_strict __VA_ARGS__          \
-      __attribute__((nothrow, alias("mvk_" #name "_flex"))); \
+#define MVK_KERNEL(result, name, ...)                                                             \
+  extern "C" result MVK_##name##_strict __VA_ARGS__ __attribute__((alias("mvk_" #name "_flex"))); \
   extern "C" result mvk_##name##_flex __VA_ARGS__
 
 // A companion that has nothing to do.
