@@ -41,6 +41,17 @@ float *map_parts(float *y, uint32_t n, F f, const X *...x) {
   return map(y, std::size_t{2} * n, f, x...);
 }
 
+// a * b with the real part as real(p, q) forms it.
+template <class Real>
+float *multiply(float *y, const float *a, const float *b, uint32_t n, Real real) {
+  return map_pairs(
+      y, n,
+      [=]<class V>(pairs<V> p, pairs<V> q) -> pairs<V> {
+        return {real(p, q), fma(p.re, q.im, p.im * q.re)};
+      },
+      a, b);
+}
+
 // p * (1 / |x|^2), the reciprocal and its products in binary64.
 template <class V>
 pairs<V> over_square(pairs<V> p, pairs<V> x) {
@@ -89,20 +100,10 @@ MVK_KERNEL(float *, CLzeroCLU, (float *y, uint32_t n)) {
 // The forms fuse different products into the real part.
 
 float *mvk_CLmpyCLCSU_flex(float *y, const float *a, const float *b, uint32_t n) {
-  return map_pairs(
-      y, n,
-      []<class V>(pairs<V> p, pairs<V> q) -> pairs<V> {
-        return {fnms(p.re, q.re, p.im * q.im), fma(p.re, q.im, p.im * q.re)};
-      },
-      a, b);
+  return multiply(y, a, b, n, [](auto p, auto q) { return fnms(p.re, q.re, p.im * q.im); });
 }
 float *MVK_CLmpyCLCSU_strict(float *y, const float *a, const float *b, uint32_t n) {
-  return map_pairs(
-      y, n,
-      []<class V>(pairs<V> p, pairs<V> q) -> pairs<V> {
-        return {fms(p.im, q.im, p.re * q.re), fma(p.re, q.im, p.im * q.re)};
-      },
-      a, b);
+  return multiply(y, a, b, n, [](auto p, auto q) { return fms(p.im, q.im, p.re * q.re); });
 }
 
 MVK_KERNEL(float *, CLmacCLCLU, (float *y, const float *a, const float *b, uint32_t n)) {
