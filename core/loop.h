@@ -8,22 +8,6 @@
 
 namespace mvk {
 
-// Runs body.operator()<V>(i) over samples i to i + lanes<V> - 1 until n samples
-// are done: in eights, then in fours, then one at a time, beginning with the
-// widest that is asked for. No sample is visited twice, so a body may work in
-// place.
-//
-//     counted(n, [&]<class V>(size_t i) { store(y + i, load<V>(x + i) * g); });
-template <class Widest = f32x8, class Body>
-[[gnu::always_inline]] inline void counted(std::size_t n, Body body) {
-  std::size_t i = 0;
-  if constexpr (lanes<Widest> == 8)
-    for (; i + 8 <= n; i += 8) body.template operator()<f32x8>(i);
-  if constexpr (lanes<Widest> >= 4)
-    for (; i + 4 <= n; i += 4) body.template operator()<f32x4>(i);
-  for (; i < n; ++i) body.template operator()<float>(i);
-}
-
 // Runs body(k) for k from 0 to N - 1 as straight code, k being a constant, so
 // that arrays indexed by k stay in registers.
 template <class Body, int... K>
@@ -33,6 +17,26 @@ template <class Body, int... K>
 template <int N, class Body>
 [[gnu::always_inline]] inline void unrolled(Body body) {
   unrolled(body, std::make_integer_sequence<int, N>{});
+}
+
+// Runs body.operator()<V>(i) over samples i to i + lanes<V> - 1 until n samples
+// are done: in eights, then in fours, then one at a time, beginning with the
+// widest that is asked for. No sample is visited twice, so a body may work in
+// place. Four eights make a round, so that the counting of a short body's loop
+// doesn't bound it.
+//
+//     counted(n, [&]<class V>(size_t i) { store(y + i, load<V>(x + i) * g); });
+template <class Widest = f32x8, class Body>
+[[gnu::always_inline]] inline void counted(std::size_t n, Body body) {
+  std::size_t i = 0;
+  if constexpr (lanes<Widest> == 8) {
+    for (; i + 32 <= n; i += 32)
+      unrolled<4>([&](auto k) { body.template operator()<f32x8>(i + 8 * k); });
+    for (; i + 8 <= n; i += 8) body.template operator()<f32x8>(i);
+  }
+  if constexpr (lanes<Widest> >= 4)
+    for (; i + 4 <= n; i += 4) body.template operator()<f32x4>(i);
+  for (; i < n; ++i) body.template operator()<float>(i);
 }
 
 }  // namespace mvk

@@ -1,4 +1,6 @@
 // Limits, comparisons and arithmetic of blocks, sample by sample.
+#include <cmath>
+
 #include "kernels/kernel.h"
 
 using namespace mvk;
@@ -32,7 +34,8 @@ MVK_KERNEL(float *, blk_LLdeshuffleLL_inplace, (float *p, float *q)) {
 }
 
 MVK_KERNEL(float *, blk_Lconst, (float *y, float v)) {
-  return mvk_vec_LsetLU_flex(y, v, block_size);
+  counted(block_size, [=]<class V>(std::size_t i) { store(y + i, V(v)); });
+  return y;
 }
 MVK_KERNEL(float *, blk_LabsL, (float *y, const float *a)) {
   return map_block(
@@ -40,13 +43,17 @@ MVK_KERNEL(float *, blk_LabsL, (float *y, const float *a)) {
 }
 
 MVK_KERNEL(float *, blk_LclipL, (float *y, const float *limits, const float *a)) {
+  const float low = limits[0], high = limits[1];
+  // A comparison gives the limit for a NaN and for equal zeros, which is right unless
+  // the limit is a NaN or the zero of the other sign.
+  const bool compare_low = low == low && !(low == 0 && std::signbit(low));
+  const bool compare_high = high == high && !(high == 0 && !std::signbit(high));
+  if (compare_low && compare_high)
+    return map_block(
+        y, [=](auto p) { return lesser_of(greater_of(p, decltype(p)(low)), decltype(p)(high)); },
+        a);
   return map_block(
-      y,
-      [low = limits[0], high = limits[1]](auto p) {
-        using V = decltype(p);
-        return minnum(maxnum(p, V(low)), V(high));
-      },
-      a);
+      y, [=](auto p) { return minnum(maxnum(p, decltype(p)(low)), decltype(p)(high)); }, a);
 }
 MVK_KERNEL(float *, blk_LcmpLL, (float *y, const float *choice, const float *a, const float *b)) {
   return map_block(

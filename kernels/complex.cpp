@@ -117,12 +117,15 @@ MVK_KERNEL(float *, CLmacCLCLU, (float *y, const float *a, const float *b, uint3
 
 MVK_KERNEL(float *, cvec_Lmpy_conjLLIU,
            (float *y, const float *a, const float *b, int32_t k, uint32_t n)) {
+  const auto product = []<class V>(pairs<V> p, pairs<V> q) -> pairs<V> {
+    return {fma(q.re, p.re, q.im * p.im), fnms(q.re, p.im, q.im * p.re)};
+  };
+  if (k == 0) return map_pairs(y, n, product, a, b);  // 2^0 changes nothing
   const float f = exp2_bits(static_cast<uint32_t>(k));
   return map_pairs(
       y, n,
-      [=]<class V>(pairs<V> a0, pairs<V> b0) -> pairs<V> {
-        const pairs<V> p = {f * a0.re, f * a0.im}, q = {f * b0.re, f * b0.im};
-        return {fma(q.re, p.re, q.im * p.im), fnms(q.re, p.im, q.im * p.re)};
+      [=]<class V>(pairs<V> p, pairs<V> q) {
+        return product(pairs<V>{f * p.re, f * p.im}, pairs<V>{f * q.re, f * q.im});
       },
       a, b);
 }

@@ -12,35 +12,26 @@ namespace {
 // x[i] to x[i + 7], where x[-1] is the newest of the past.
 class window {
  public:
-  window(const float *x, const float *past, int length) : past_end_(past + length) {
-    std::copy_n(x, block_size, joint_ + 8);
+  window(const float *x, const float *past, int length) : x_(x), past_end_(past + length) {
     const int kept = std::min(length, 8);
     std::copy_n(past_end_ - kept, kept, joint_ + 8 - kept);
+    std::copy_n(x, 8, joint_ + 8);
   }
 
   f32x8 samples(int i) const {
-    return i >= -8 ? load<f32x8>(joint_ + 8 + i) : load<f32x8>(past_end_ + i);
+    return load<f32x8>(i >= 0 ? x_ + i : i >= -8 ? joint_ + 8 + i : past_end_ + i);
   }
 
-  // The newest n samples.
-  const float *newest(int n) const { return joint_ + 8 + block_size - n; }
-
  private:
-  const float *past_end_;
-  float joint_[8 + block_size] = {};  // the newest of the past, and the block
+  const float *x_, *past_end_;
+  float joint_[16] = {};  // the newest of the past, and the oldest of the block
 };
 
-// Moves the past, oldest first, on by a block.
-void remember(float *past, int length, const window &w) {
-  constexpr int block = block_size;
-  const int kept = std::max(length - block, 0);
-  std::memmove(past, past + (length - kept), static_cast<std::size_t>(kept) * sizeof(float));
-  std::copy_n(w.newest(length - kept), length - kept, past + kept);
-}
-
+// The last outputs first, so that in place no input is written over that is still
+// to be read.
 template <class Output>
 void for_outputs(float *y, Output output) {
-  for (int n = 0; n < static_cast<int>(block_size); n += 8) store(y + n, output(n));
+  for (int n = block_size - 8; n >= 0; n -= 8) store(y + n, output(n));
 }
 
 }  // namespace
@@ -50,10 +41,11 @@ MVK_KEEP_COEF(Lfir2L)
 
 MVK_KERNEL(float *, blk_Lfir2L, (float *y, const float *x, const float *c, float *s)) {
   const window w(x, s, 1);
+  const float newest = x[block_size - 1];
   for_outputs(y, [&, c0 = f32x8(c[0]), c1 = c[1]](int n) {
     return fma(c0, w.samples(n), c1 * w.samples(n - 1));
   });
-  remember(s, 1, w);
+  s[0] = newest;
   return y;
 }
 
@@ -63,11 +55,12 @@ MVK_KEEP_COEF(Lfir3L)
 MVK_KERNEL(float *, blk_Lfir3L, (float *y, const float *x, const float *c, float *s)) {
   float past[2] = {s[1], s[0]};  // the state has the newest first
   const window w(x, past, 2);
+  const float newest = x[block_size - 1], second = x[block_size - 2];
   for_outputs(y, [&, c0 = f32x8(c[0]), c1 = f32x8(c[1]), c2 = c[2]](int n) {
     return fma(c0, w.samples(n), fma(c1, w.samples(n - 1), c2 * w.samples(n - 2)));
   });
-  s[0] = w.newest(1)[0];
-  s[1] = w.newest(2)[0];
+  s[0] = newest;
+  s[1] = second;
   return y;
 }
 
@@ -83,6 +76,9 @@ MVK_KERNEL(float *, blk_LfirUL,
            (float *y, const float *x, uint32_t taps, const float *c, float *s)) {
   const int oldest = static_cast<int>(taps) - 1;
   const window w(x, s, oldest);
+  const int fresh = std::min(oldest, int{block_size}), kept = oldest - fresh;
+  float newest[block_size];
+  std::copy_n(x + block_size - fresh, fresh, newest);
   for_outputs(y, [&](int n) {
     const auto x_at = [&](int k) { return w.samples(n - k); };
     const auto tap = [c](int k) { return f32x8(c[k]); };
@@ -94,6 +90,7 @@ MVK_KERNEL(float *, blk_LfirUL,
     const f32x8 second = acc + fma(x_at(1), tap(1), x_at(0) * tap(0));
     return alternate(first, second);
   });
-  remember(s, oldest, w);
+  std::memmove(s, s + fresh, static_cast<std::size_t>(kept) * sizeof(float));
+  std::copy_n(newest, fresh, s + kept);
   return y;
 }

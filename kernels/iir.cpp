@@ -10,16 +10,16 @@ using namespace mvk;
 
 namespace {
 
-// w[n] = fma(c0, x[n], fma(c1, x[n-1], c2 * w[n-1])), and y[n] = output(w[n], n).
-template <class Output>
-float *first_order(float *y, const float *x, const float *c, float *s, Output output) {
+// y[n] = fma(c0, x[n], fma(c1, x[n-1], c2 * y[n-1])). What else is made of a sample
+// comes after the block: beside the chain it would compete with it.
+float *first_order(float *y, const float *x, const float *c, float *s) {
   const float c0 = c[0], c1 = c[1], c2 = c[2];
   float last = s[0], w = s[1];
   for (std::size_t n = 0; n < block_size; ++n) {
     const float now = x[n];
     w = fma(c0, now, fma(c1, last, c2 * w));
     last = now;
-    y[n] = output(w, n);
+    y[n] = w;
   }
   s[0] = last;
   s[1] = w;
@@ -32,16 +32,21 @@ void MVK_blk_Liir1L_setup(float *s) { s[0] = s[1] = 0; }
 MVK_KEEP_COEF(Liir1L)
 
 MVK_KERNEL(float *, blk_Liir1L, (float *y, const float *x, const float *c, float *s)) {
-  return first_order(y, x, c, s, [](float w, std::size_t) { return w; });
+  return first_order(y, x, c, s);
 }
 MVK_KERNEL(float *, blk_Liir1_shlLU,
            (float *y, const float *x, const float *c, float *s, uint32_t k)) {
-  return first_order(y, x, c, s,
-                     [scale = exp2_bits(k)](float w, std::size_t) { return scale * w; });
+  float w[block_size];
+  first_order(w, x, c, s);
+  return map_block(
+      y, [scale = exp2_bits(k)](auto p) { return scale * p; }, w);
 }
 MVK_KERNEL(float *, blk_Liir1_shl_addLL,
            (float *y, const float *x, const float *b, const float *c, float *s)) {
-  return first_order(y, x, c, s, [b](float w, std::size_t n) { return fma(w, 2.0f, b[n]); });
+  float w[block_size];
+  first_order(w, x, c, s);
+  return map_block(
+      y, [](auto p, auto q) { return fma(p, decltype(p)(2.0f), q); }, w, b);
 }
 
 static_assert(offsetof(mvk_blk_iir1x_state, w) == 8);
