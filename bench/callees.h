@@ -1,0 +1,23 @@
+// What the kernels are compared with, in a library of its own: a call across a library's
+// border costs as much as a short kernel, and has to be in both figures.
+#pragma once
+
+#include <span>
+
+namespace bench {
+
+// Copies 32 samples, aligned to 32 bytes, by 32 bytes at a time. Returns y.
+float *copy_block(float *y, const float *x);
+
+// An implementation of a kernel of VOLK's, to be called as what VOLK's header
+// declares the kernel to be.
+struct volk_form {
+  const char *kernel, *name;
+  bool needs_avx512;
+  void (*function)();
+};
+
+// All that the processor can run; none if the benchmark is built without VOLK.
+std::span<const volk_form> volk_forms();
+
+}  // namespace bench
