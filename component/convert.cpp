@@ -60,8 +60,15 @@ bool goes_by_chunks(run src, run dst, unsigned n) {
   return apart || (to <= from && dst.step <= src.step && sizeof(To) <= sizeof(From));
 }
 
-// Converts n samples in order: chunks of them are read, converted as one
-// contiguous array, and written.
+// The run is an array of T, neither apart nor unaligned.
+template <class T>
+bool is_array_of(run samples) {
+  return samples.step == sizeof(T) &&
+         reinterpret_cast<std::uintptr_t>(samples.start) % alignof(T) == 0;
+}
+
+// Converts n samples in order. Arrays go at once; else chunks of samples are read,
+// converted as one array, and written.
 template <class From, class To, To sample(From)>
 void convert_run(run src, run dst, unsigned n) {
   constexpr unsigned chunk = 64;
@@ -74,11 +81,16 @@ void convert_run(run src, run dst, unsigned n) {
     src.start += count * src.step;
     dst.start += count * dst.step;
   };
-  if (goes_by_chunks<From, To>(src, dst, n)) {
+  if (!goes_by_chunks<From, To>(src, dst, n)) {
+    for (; n > 0; --n) convert(std::integral_constant<unsigned, 1>{});
+  } else if (is_array_of<From>(src) && is_array_of<To>(dst)) {
+    const From *from = reinterpret_cast<const From *>(src.start);
+    To *to = reinterpret_cast<To *>(dst.start);
+#pragma GCC ivdep
+    for (unsigned i = 0; i < n; ++i) to[i] = sample(from[i]);
+  } else {
     for (; n >= chunk; n -= chunk) convert(std::integral_constant<unsigned, chunk>{});
     if (n > 0) convert(n);
-  } else {
-    for (; n > 0; --n) convert(std::integral_constant<unsigned, 1>{});
   }
 }
 
