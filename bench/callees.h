@@ -2,12 +2,16 @@
 // border costs as much as a short kernel, and has to be in both figures.
 #pragma once
 
+#include <cstddef>
 #include <span>
 
 namespace bench {
 
 // Copies 32 samples, aligned to 32 bytes, by 32 bytes at a time. Returns y.
 float *copy_block(float *y, const float *x);
+
+// Copies n samples, a multiple of 32, aligned alike, in the same way. Returns y.
+float *copy(float *y, const float *x, std::size_t n);
 
 // An implementation of a kernel of VOLK's, to be called as what VOLK's header
 // declares the kernel to be.

@@ -4,8 +4,26 @@
 
 #include <cstddef>
 #include <cstring>
+#include <type_traits>
+
+#include "core/loop.h"
 
 namespace mvk {
+
+// Lane k = the float at p + k * step bytes.
+template <class V>
+inline V load_strided(const char *p, std::size_t step) {
+  if constexpr (lanes<V> == 8) {
+    return both(load_strided<f32x4>(p, step), load_strided<f32x4>(p + 4 * step, step));
+  } else {
+    float x[lanes<V>];
+    for (int k = 0; k < lanes<V>; ++k) std::memcpy(x + k, p + k * step, sizeof *x);
+    if constexpr (lanes<V> == 4)
+      return {x[0], x[1], x[2], x[3]};
+    else
+      return x[0];
+  }
+}
 
 // dst[i] = the T at src + i * step bytes.
 template <class T>
@@ -15,6 +33,13 @@ inline void gather(T *dst, const void *src, std::size_t step, std::size_t n) {
     return;
   }
   const char *from = static_cast<const char *>(src);
+  // Floats go by whole vectors, since memory written in parts is slow to be read whole.
+  if constexpr (std::is_same_v<T, float>) {
+    counted(n, [&]<class V>(std::size_t i) {
+      store(dst + i, load_strided<V>(from + i * step, step));
+    });
+    return;
+  }
 #pragma GCC unroll 8
   for (std::size_t i = 0; i < n; ++i, from += step) std::memcpy(dst + i, from, sizeof(T));
 }

@@ -4,6 +4,7 @@
 #include <limits>
 
 #include "kernels/kernel.h"
+#include "kernels/peak.h"
 
 using namespace mvk;
 
@@ -70,14 +71,17 @@ uint32_t headroom(float peak) {
 // The largest magnitude is what maxnum(-smallest, largest) comes to, zeros
 // included. A comparison passes over a NaN; magnitudes as bits keep it.
 
+float mvk::largest_magnitude(const float *x, std::size_t n) {
+  return fold(x, n, 0.0f, [](auto a, auto b) { return greater_magnitude(a, b); });
+}
+
 float mvk_vec_Labs_maxLU_flex(const float *x, uint32_t n) {
   const float peak =
       fold(x, std::max(n, 1u), -1.0f, [](auto a, auto b) { return greater_of(a, b); });
   return peak < 0 ? std::numeric_limits<float>::quiet_NaN() : peak;
 }
 float MVK_vec_Labs_maxLU_strict(const float *x, uint32_t n) {
-  return fold(x, whole_fours(std::max(n, 1u)), 0.0f,
-              [](auto a, auto b) { return greater_magnitude(a, b); });
+  return largest_magnitude(x, whole_fours(std::max(n, 1u)));
 }
 
 MVK_KERNEL(float, vec_Sabs_maxSU, (const float *x, uint32_t n)) {

@@ -11,6 +11,7 @@ struct f32x4 {
   f32x4() = default;
   f32x4(__m128 lanes) : v(lanes) {}
   f32x4(float x) : v(_mm_set1_ps(x)) {}
+  f32x4(float a, float b, float c, float d) : v(_mm_setr_ps(a, b, c, d)) {}
 };
 struct f32x8 {
   __m256 v;

@@ -11,6 +11,7 @@ struct f32x4 {
   f32x4() = default;
   f32x4(float32x4_t lanes) : v(lanes) {}
   f32x4(float x) : v(vdupq_n_f32(x)) {}
+  f32x4(float a, float b, float c, float d) : v{a, b, c, d} {}
 };
 
 template <>
