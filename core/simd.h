@@ -25,8 +25,13 @@
 //   split_pairs(a, b)            {even lanes, odd lanes} of a b, but in an order of
 //                                lanes of the processor's own
 //   join_pairs(e, o)             its inverse
+//   split_lane<V>[l]             where in memory lane l of that order comes from
 //   natural_order(v)             from that order of lanes to the order in memory; it
 //                                is its own inverse
+//   load_split_pairs<V>(p)             split_pairs of the pairs at p, as many as lanes
+//   store_interleaved(p, e, o)         {e0 o0 e1 o1 ...} to p
+//   transpose_fours(rows)        transposes four rows, in each half of an eight-lane one
+//   with_lane0(a, b)             b with lane 0 of a; with_lanes04: and lane 4
 //   abs(v), -v                   sign bit cleared, inverted
 //   greater_of(a, b)             a > b ? a : b, lane by lane: b for a NaN
 //   lesser_of(a, b)              a < b ? a : b
@@ -38,6 +43,8 @@
 //   widen(v), narrow(w)          binary64 in every lane, and back with one
 //                                rounding; wide<V> has * / and W(x)
 //   lower(v), upper(v), sum(w)   halves of a vector; w[0] + w[1] of an f64x2
+//
+// `native` is the widest vector that is one register.
 //
 // (The names fms and fnms are the equations' own: x86's fmsub is fnms here and
 // its fnmadd is fms.)
@@ -57,6 +64,11 @@ struct halves {
 
 template <class V>
 V load(const float *p);
+template <class V>
+halves<V> load_split_pairs(const float *p);
+
+template <class V>
+inline constexpr int split_lane[] = {0, 1, 2, 3, 4, 5, 6, 7};
 
 // The binary64 vector of as many lanes as V.
 template <class V>
@@ -82,6 +94,8 @@ namespace mvk {
 
 template <class V>
 inline constexpr int lanes = sizeof(V) / sizeof(float);
+
+inline void transpose_fours(f32x4 (&rows)[4]) { transpose(rows); }
 
 // 2^k by its exponent's bits, (k + 127) << 23, unchecked: k = -127 gives 0,
 // k = 128 infinity, and beyond that the pattern wraps, sign bit included. A

@@ -35,9 +35,8 @@ inline void gather(T *dst, const void *src, std::size_t step, std::size_t n) {
   const char *from = static_cast<const char *>(src);
   // Floats go by whole vectors, since memory written in parts is slow to be read whole.
   if constexpr (std::is_same_v<T, float>) {
-    counted(n, [&]<class V>(std::size_t i) {
-      store(dst + i, load_strided<V>(from + i * step, step));
-    });
+    counted(
+        n, [&]<class V>(std::size_t i) { store(dst + i, load_strided<V>(from + i * step, step)); });
     return;
   }
 #pragma GCC unroll 8

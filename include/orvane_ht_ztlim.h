@@ -101,8 +101,7 @@ MVK_API float orvane_ht_ztlim_get_peak(const orvane_ht_ztlim_state *state);
 /* The gain behind the limiter in units of 1/256, which is unity. The next
  * sub-block fades from prev_boost to boost: a boost that is to fade in comes with
  * the present one before it, a jump with itself. Clipping applies boost at once. */
-MVK_API void orvane_ht_ztlim_set_boost(orvane_ht_ztlim_state *state, float prev_boost,
-                                       float boost);
+MVK_API void orvane_ht_ztlim_set_boost(orvane_ht_ztlim_state *state, float prev_boost, float boost);
 MVK_API float orvane_ht_ztlim_get_boost(const orvane_ht_ztlim_state *state);
 
 /* Non-zero: samples are clipped at the peak, without delay and without a gain.

@@ -21,6 +21,8 @@ struct f32x8 {
   f32x8(float x) : v(_mm256_set1_ps(x)) {}
 };
 
+using native = f32x8;
+
 template <>
 inline f32x4 load<f32x4>(const float *p) {
   return {_mm_loadu_ps(p)};
@@ -137,8 +139,25 @@ inline halves<f32x8> join_pairs(f32x8 even, f32x8 odd) {
   return {{_mm256_unpacklo_ps(even.v, odd.v)}, {_mm256_unpackhi_ps(even.v, odd.v)}};
 }
 inline f32x4 natural_order(f32x4 a) { return a; }
+template <>
+inline constexpr int split_lane<f32x8>[] = {0, 1, 4, 5, 2, 3, 6, 7};
 inline f32x8 natural_order(f32x8 a) {
   return {_mm256_castpd_ps(_mm256_permute4x64_pd(_mm256_castps_pd(a.v), 0xd8))};
+}
+
+template <>
+inline halves<f32x4> load_split_pairs<f32x4>(const float *p) {
+  return split_pairs(load<f32x4>(p), load<f32x4>(p + 4));
+}
+template <>
+inline halves<f32x8> load_split_pairs<f32x8>(const float *p) {
+  return split_pairs(load<f32x8>(p), load<f32x8>(p + 8));
+}
+template <class V>
+inline void store_interleaved(float *p, V even, V odd) {
+  const auto [lo, hi] = interleave(even, odd);
+  store(p, lo);
+  store(p + sizeof(V) / sizeof *p, hi);
 }
 
 inline f32x4 operator-(f32x4 a) { return {_mm_xor_ps(a.v, _mm_set1_ps(-0.0f))}; }
@@ -169,6 +188,10 @@ inline bool any_greater(f32x8 a, f32x8 b) {
   return _mm256_movemask_ps(_mm256_cmp_ps(a.v, b.v, _CMP_GT_OQ)) != 0;
 }
 
+inline f32x4 with_lane0(f32x4 a, f32x4 b) { return {_mm_blend_ps(b.v, a.v, 1)}; }
+inline f32x8 with_lane0(f32x8 a, f32x8 b) { return {_mm256_blend_ps(b.v, a.v, 1)}; }
+inline f32x8 with_lanes04(f32x8 a, f32x8 b) { return {_mm256_blend_ps(b.v, a.v, 0x11)}; }
+
 inline f32x4 lower(f32x8 a) { return {_mm256_castps256_ps128(a.v)}; }
 inline f32x4 upper(f32x8 a) { return {_mm256_extractf128_ps(a.v, 1)}; }
 inline f32x8 both(f32x4 lo, f32x4 hi) { return {_mm256_set_m128(hi.v, lo.v)}; }
@@ -198,6 +221,15 @@ inline f64x2 upper(f64x4 a) { return {_mm256_extractf128_pd(a.v, 1)}; }
 inline f64x4 operator/(f64x4 a, f64x4 b) { return {_mm256_div_pd(a.v, b.v)}; }
 
 inline void transpose(f32x4 (&r)[4]) { _MM_TRANSPOSE4_PS(r[0].v, r[1].v, r[2].v, r[3].v); }
+
+inline void transpose_fours(f32x8 (&r)[4]) {
+  const __m256 a = _mm256_unpacklo_ps(r[0].v, r[1].v), b = _mm256_unpackhi_ps(r[0].v, r[1].v);
+  const __m256 c = _mm256_unpacklo_ps(r[2].v, r[3].v), d = _mm256_unpackhi_ps(r[2].v, r[3].v);
+  r[0] = {_mm256_shuffle_ps(a, c, 0x44)};
+  r[1] = {_mm256_shuffle_ps(a, c, 0xee)};
+  r[2] = {_mm256_shuffle_ps(b, d, 0x44)};
+  r[3] = {_mm256_shuffle_ps(b, d, 0xee)};
+}
 
 inline void transpose(f32x8 (&r)[8]) {
   __m256 pairs[8], quads[8];

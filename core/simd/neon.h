@@ -14,6 +14,8 @@ struct f32x4 {
   f32x4(float a, float b, float c, float d) : v{a, b, c, d} {}
 };
 
+using native = f32x4;
+
 template <>
 inline f32x4 load<f32x4>(const float *p) {
   return {vld1q_f32(p)};
@@ -53,6 +55,17 @@ inline void transpose(f32x4 (&r)[4]) {
   r[1] = lo.hi;
   r[2] = hi.lo;
   r[3] = hi.hi;
+}
+
+inline f32x4 with_lane0(f32x4 a, f32x4 b) { return {vcopyq_laneq_f32(b.v, 0, a.v, 0)}; }
+
+template <>
+inline halves<f32x4> load_split_pairs<f32x4>(const float *p) {
+  const float32x4x2_t z = vld2q_f32(p);
+  return {{z.val[0]}, {z.val[1]}};
+}
+inline void store_interleaved(float *p, f32x4 even, f32x4 odd) {
+  vst2q_f32(p, float32x4x2_t{{even.v, odd.v}});
 }
 
 inline halves<f32x4> split_pairs(f32x4 a, f32x4 b) { return deinterleave(a, b); }

@@ -57,6 +57,15 @@ inline halves<f32x8> deinterleave(f32x8 a, f32x8 b) {
 
 inline halves<f32x8> split_pairs(f32x8 a, f32x8 b) { return deinterleave(a, b); }
 inline halves<f32x8> join_pairs(f32x8 even, f32x8 odd) { return interleave(even, odd); }
+template <>
+inline halves<f32x8> load_split_pairs<f32x8>(const float *p) {
+  const auto lo = load_split_pairs<f32x4>(p), hi = load_split_pairs<f32x4>(p + 8);
+  return {{lo.lo, hi.lo}, {lo.hi, hi.hi}};
+}
+inline void store_interleaved(float *p, f32x8 even, f32x8 odd) {
+  store_interleaved(p, even.lo, odd.lo);
+  store_interleaved(p + 8, even.hi, odd.hi);
+}
 inline f32x8 natural_order(f32x8 a) { return a; }
 
 inline f32x8 operator-(f32x8 a) { return {-a.lo, -a.hi}; }
@@ -78,9 +87,22 @@ inline bool any_greater(f32x8 a, f32x8 b) {
   return any_greater(a.lo, b.lo) || any_greater(a.hi, b.hi);
 }
 
+inline f32x8 with_lane0(f32x8 a, f32x8 b) { return {with_lane0(a.lo, b.lo), b.hi}; }
+inline f32x8 with_lanes04(f32x8 a, f32x8 b) {
+  return {with_lane0(a.lo, b.lo), with_lane0(a.hi, b.hi)};
+}
+
 inline f32x4 lower(f32x8 a) { return a.lo; }
 inline f32x4 upper(f32x8 a) { return a.hi; }
 inline f32x8 both(f32x4 lo, f32x4 hi) { return {lo, hi}; }
+
+inline void transpose_fours(f32x8 (&r)[4]) {
+  for (const auto half : {&f32x8::lo, &f32x8::hi}) {
+    f32x4 q[4] = {r[0].*half, r[1].*half, r[2].*half, r[3].*half};
+    transpose(q);
+    for (int i = 0; i < 4; ++i) r[i].*half = q[i];
+  }
+}
 
 inline void transpose(f32x8 (&r)[8]) {
   const auto quarter = [&r](int row, f32x4 f32x8::*half) {

@@ -26,6 +26,8 @@ inline f32x4 each_lane(Op op, Vs... vs) {
 
 }  // namespace detail
 
+using native = f32x4;
+
 template <>
 inline f32x4 load<f32x4>(const float *p) {
   return {p[0], p[1], p[2], p[3]};
@@ -77,6 +79,17 @@ inline void transpose(f32x4 (&r)[4]) {
 inline halves<f32x4> split_pairs(f32x4 a, f32x4 b) { return deinterleave(a, b); }
 inline halves<f32x4> join_pairs(f32x4 even, f32x4 odd) { return interleave(even, odd); }
 inline f32x4 natural_order(f32x4 a) { return a; }
+
+template <>
+inline halves<f32x4> load_split_pairs<f32x4>(const float *p) {
+  return split_pairs(load<f32x4>(p), load<f32x4>(p + 4));
+}
+inline void store_interleaved(float *p, f32x4 even, f32x4 odd) {
+  const auto [lo, hi] = interleave(even, odd);
+  store(p, lo);
+  store(p + 4, hi);
+}
+inline f32x4 with_lane0(f32x4 a, f32x4 b) { return {a.v[0], b.v[1], b.v[2], b.v[3]}; }
 
 inline f32x4 operator-(f32x4 a) {
   return detail::each_lane([](float x) { return -x; }, a);

@@ -58,6 +58,15 @@ inline T min_propagating(T a, T b) {
 
 inline halves<float> split_pairs(float a, float b) { return {a, b}; }
 inline halves<float> join_pairs(float even, float odd) { return {even, odd}; }
+template <>
+inline halves<float> load_split_pairs<float>(const float *p) {
+  return {p[0], p[1]};
+}
+inline void store_interleaved(float *p, float even, float odd) {
+  p[0] = even;
+  p[1] = odd;
+}
+inline float with_lane0(float a, float) { return a; }
 inline float natural_order(float a) { return a; }
 inline float reverse(float a) { return a; }
 inline float abs(float a) { return std::fabs(a); }

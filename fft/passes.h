@@ -1,0 +1,247 @@
+// The passes of a transform by decimation in time.
+//
+// With L the product of the radices so far, the data after a pass are N / L rows: row r is
+// the transform of x[r], x[r + N/L], x[r + 2 N/L] and so on, L points in the order of their
+// bins. A pass of radix R makes each row of L out of R rows of M = L / R,
+//
+//     X[r][k + p M] = sum over q of exp(-2 pi j p q / R) W^(q k) A[r + q N/L][k].
+//
+// A vector holds consecutive bins k, so that all passes but the first and last move whole
+// registers; the first transposes as it stores, and the last interleaves.
+#pragma once
+
+#include <cstddef>
+
+#include "fft/butterflies.h"
+#include "fft/twiddles.h"
+#include "fft/work_area.h"
+
+namespace mvk {
+
+// ---- The first pass -----------------------------------------------------------
+
+// Stores the rows of R bins whose transforms stand in the lanes of y, lane l being row
+// r + split_lane<V>[l].
+template <int R, int G, class V>
+inline void store_rows(float *work, std::size_t r, cpx<V> (&y)[R]) {
+  constexpr int n = lanes<V>;
+  if constexpr (n == 1) {
+    for (int p = 0; p < R; ++p) store_elements<G>(work, r * R + p, y[p]);
+  } else if constexpr (n == 8 && R == 8) {
+    V re[8], im[8];
+    for (int p = 0; p < 8; ++p) re[p] = y[p].re, im[p] = y[p].im;
+    transpose(re);
+    transpose(im);
+    for (int l = 0; l < 8; ++l)
+      store_elements<G>(work, (r + split_lane<V>[l]) * 8, cpx<V>{re[l], im[l]});
+  } else if constexpr (R % 4 == 0) {
+    for (int p = 0; p < R; p += 4) {
+      V re[4], im[4];
+      for (int i = 0; i < 4; ++i) re[i] = y[p + i].re, im[i] = y[p + i].im;
+      transpose_fours(re);
+      transpose_fours(im);
+      for (int l = 0; l < 4; ++l) {
+        if constexpr (n == 4) {
+          store_elements<G>(work, (r + l) * R + p, cpx<V>{re[l], im[l]});
+        } else if constexpr (G == 8) {
+          // Two rows in one group, the second being r + split_lane<V>[l + 4].
+          store_elements<G>(work, r * R + 8 * l, cpx<V>{re[l], im[l]});
+        } else {
+          store_elements<G>(work, (r + split_lane<V>[l]) * R + p, cpx{lower(re[l]), lower(im[l])});
+          store_elements<G>(work, (r + split_lane<V>[l + 4]) * R + p,
+                            cpx{upper(re[l]), upper(im[l])});
+        }
+      }
+    }
+  } else {
+    float re[n], im[n];
+    for (int p = 0; p < R; ++p) {
+      store(re, y[p].re);
+      store(im, y[p].im);
+      for (int l = 0; l < n; ++l)
+        store_elements<G>(work, (r + split_lane<V>[l]) * R + p, cpx{re[l], im[l]});
+    }
+  }
+}
+
+template <class A, class V>
+inline void first_butterfly(const cpx<A> (&a)[1], const cpx<V> (&b)[1], cpx<V> (&y)[2]) {
+  radix2(a, b, y);
+}
+template <class A, class V>
+inline void first_butterfly(const cpx<A> (&a)[2], const cpx<V> (&b)[2], cpx<V> (&y)[4]) {
+  radix4(a, b, y);
+}
+template <class A, class V>
+inline void first_butterfly(const cpx<A> (&a)[3], const cpx<V> (&b)[2], cpx<V> (&y)[5]) {
+  radix5(a, b, y);
+}
+template <class A, class V>
+inline void first_butterfly(const cpx<A> (&a)[3], const cpx<V> (&b)[3], cpx<V> (&y)[6]) {
+  radix6(a, b, y);
+}
+template <class A, class V>
+inline void first_butterfly(const cpx<A> (&a)[4], const cpx<V> (&b)[4], cpx<V> (&y)[8]) {
+  radix8(a, b, y);
+}
+
+// The transform of x, scaled or not, of a transform that runs on exchanged parts if it is an
+// inverse one. An inverse radix 8 is computed forward, on parts as they are: its bins are those
+// of the forward transform in the opposite order, and are exchanged then.
+template <bool inverse, bool scaled, int R, class V, class Butterfly>
+inline void transform_inputs(const cpx<V> (&x)[R], float scale, cpx<V> (&y)[R],
+                             Butterfly butterfly) {
+  constexpr int first_half = (R + 1) / 2;
+  constexpr bool mirrors = inverse && R == 8;
+  cpx<V> b[R - first_half];
+  for (int m = first_half; m < R; ++m) {
+    b[m - first_half] = exchanged_if < inverse && !mirrors > (x[m]);
+    if (scaled) b[m - first_half] = {b[m - first_half].re * scale, b[m - first_half].im * scale};
+  }
+  if constexpr (scaled) {
+    cpx<unscaled<V>> a[first_half];
+    for (int m = 0; m < first_half; ++m) {
+      const cpx<V> z = exchanged_if < inverse && !mirrors > (x[m]);
+      a[m] = {{z.re, V(scale)}, {z.im, V(scale)}};
+    }
+    butterfly(a, b, y);
+  } else {
+    cpx<V> a[first_half];
+    for (int m = 0; m < first_half; ++m) a[m] = exchanged_if < inverse && !mirrors > (x[m]);
+    butterfly(a, b, y);
+  }
+  if constexpr (mirrors) {
+    const cpx<V> z[8] = {y[0], y[1], y[2], y[3], y[4], y[5], y[6], y[7]};
+    for (int p = 0; p < 8; ++p) y[p] = exchanged(z[-p & 7]);
+  }
+}
+
+// Rows of R bins out of the n input pairs at src.
+template <int R, bool inverse, bool scaled, class V, int G>
+inline void first_pass(float *work, const float *src, std::size_t n, float scale) {
+  const std::size_t rows = n / R;
+  const auto make_rows = [=](std::size_t r) {
+    cpx<V> x[R], y[R];
+    unrolled<R>([&](auto m) {
+      const auto [re, im] = load_split_pairs<V>(src + 2 * (r + m * rows));
+      x[m] = {re, im};
+    });
+    transform_inputs<inverse, scaled>(
+        x, scale, y, [](const auto &a, const auto &b, auto &z) { first_butterfly(a, b, z); });
+    store_rows<R, G>(work, r, y);
+  };
+  std::size_t r = 0;
+  for (; r + lanes<V> <= rows; r += lanes<V>) make_rows(r);
+  // The last rows once more, since that is quicker than a loop for less than a vector, and
+  // the inputs still stand.
+  if (r < rows) make_rows(rows - lanes<V>);
+}
+
+// ---- Later passes -------------------------------------------------------------
+
+// Radix 4 with the twiddle products finished first; bin 0 isn't multiplied, so that its zeros
+// keep their signs, and infinities don't turn into NaNs.
+template <bool twice>
+struct radix4_middle {
+  static constexpr int radix = 4;
+
+  template <class V, class Twiddles>
+  static void apply(const cpx<V> (&a)[4], const Twiddles &w, cpx<V> (&y)[4]) {
+    radix4({a[0], turned_middle(a[1], w(1))},
+           {turned_middle(a[2], w(2)), turned_middle(a[3], w(3))}, y);
+  }
+
+  // For vectors that begin with bin 0.
+  template <class V, class Twiddles>
+  static void apply_first(const cpx<V> (&a)[4], const Twiddles &w, cpx<V> (&y)[4]) {
+    cpx<V> b[4];
+    unrolled<3>([&](auto i) {
+      const cpx<V> t = turned_middle(a[i + 1], w(i + 1));
+      b[i + 1] = {untouched(a[i + 1].re, t.re), untouched(a[i + 1].im, t.im)};
+    });
+    radix4({a[0], b[1]}, {b[2], b[3]}, y);
+  }
+
+ private:
+  template <class V>
+  static V untouched(V a, V t) {
+    if constexpr (twice) return with_lanes04(a, t);
+    return with_lane0(a, t);
+  }
+};
+
+template <class Butterfly, class V, class Twiddles>
+inline void apply(const cpx<V> (&a)[Butterfly::radix], const Twiddles &w,
+                  cpx<V> (&y)[Butterfly::radix], bool bin_0) {
+  if constexpr (requires { Butterfly::apply_first(a, w, y); }) {
+    if (bin_0) return Butterfly::apply_first(a, w, y);
+  }
+  Butterfly::apply(a, w, y);
+}
+
+// Makes `rows` rows out of rows of M, in groups of In and Out. In place where rows is 1 and the
+// vectors are whole groups.
+template <class Butterfly, class V, int In, int Out, bool exchange>
+inline void later_pass(float *out, const float *in, const float *twiddles, std::size_t M,
+                       std::size_t rows) {
+  constexpr int R = Butterfly::radix;
+  const auto step = [=](std::size_t r, std::size_t k, bool bin_0) [[gnu::always_inline]] {
+    cpx<V> a[R], y[R];
+    unrolled<R>([&](auto q) { a[q] = load_elements<V, In>(in, (r + q * rows) * M + k); });
+    apply<Butterfly>(a, grouped_twiddles<V>{twiddles + 2 * (R - 1) * k}, y, bin_0);
+    unrolled<R>([&](auto p) {
+      store_elements<Out>(out, (r * R + p) * M + k, exchanged_if<exchange>(y[p]));
+    });
+  };
+  for (std::size_t r = 0; r < rows; ++r) {
+    step(r, 0, true);
+    for (std::size_t k = lanes<V>; k < M; k += lanes<V>) step(r, k, false);
+  }
+}
+
+// The same for M that isn't a multiple of 4, on pairs and plain twiddles.
+template <class Butterfly, bool exchange>
+inline void later_pass_of_pairs(float *out, const float *in, const float *twiddles, std::size_t M,
+                                std::size_t rows) {
+  constexpr int R = Butterfly::radix;
+  for (std::size_t r = 0; r < rows; ++r)
+    counted<native>(M, [&]<class V>(std::size_t k) {
+      cpx<V> a[R], y[R];
+      unrolled<R>([&](auto q) { a[q] = load_elements<V, 1>(in, (r + q * rows) * M + k); });
+      Butterfly::apply(a, plain_twiddles<V>{twiddles + k, M}, y);
+      unrolled<R>([&](auto p) {
+        store_elements<1>(out, (r * R + p) * M + k, exchanged_if<exchange>(y[p]));
+      });
+    });
+}
+
+// The same for M = 4 on eight lanes, two rows at a time as the first pass has left them.
+template <class Butterfly, int Out>
+inline void second_pass_of_twos(float *out, const float *in, const float *twiddles,
+                                std::size_t rows) {
+  using V = f32x8;
+  constexpr int R = Butterfly::radix;
+  const grouped_twiddles<V> w{twiddles};
+  for (std::size_t pair = 0; pair < rows / 2; ++pair) {
+    cpx<V> a[R], y[R];
+    unrolled<R>([&](auto q) { a[q] = load_elements<V, 8>(in, 8 * (pair + q * (rows / 2))); });
+    apply<Butterfly>(a, w, y, true);
+    const std::size_t row[2] = {pair / 2 * 4 + pair % 2, pair / 2 * 4 + pair % 2 + 2};
+    if constexpr (Out == 8) {
+      unrolled<R / 2>([&](auto i) {
+        const cpx<V> z0 = y[2 * i], z1 = y[2 * i + 1];
+        store_elements<8>(out, row[0] * 4 * R + 8 * i,
+                          cpx{both(lower(z0.re), lower(z1.re)), both(lower(z0.im), lower(z1.im))});
+        store_elements<8>(out, row[1] * 4 * R + 8 * i,
+                          cpx{both(upper(z0.re), upper(z1.re)), both(upper(z0.im), upper(z1.im))});
+      });
+    } else {
+      unrolled<R>([&](auto p) {
+        store(out + 2 * (row[0] * R + p) * 4, both(lower(y[p].re), lower(y[p].im)));
+        store(out + 2 * (row[1] * R + p) * 4, both(upper(y[p].re), upper(y[p].im)));
+      });
+    }
+  }
+}
+
+}  // namespace mvk

@@ -1,0 +1,43 @@
+// Complex values between two passes.
+//
+// Element e of a work area, in groups of G: G real parts, then G imaginary parts. A group of
+// vector size is loaded and stored without a shuffle; groups of 1 are pairs, the order of a
+// transform's input and output. A vector of consecutive elements may be written over the
+// elements that it was computed from, as long as both are in one group or in pairs.
+#pragma once
+
+#include <cstddef>
+
+#include "core/loop.h"
+#include "fft/complex.h"
+
+namespace mvk {
+
+template <int G>
+constexpr std::size_t offset_of(std::size_t e) {
+  return 2 * (e & ~std::size_t{G - 1}) + (e & std::size_t{G - 1});
+}
+
+// Elements e to e + lanes - 1, which are in one group unless in pairs.
+template <class V, int G>
+inline cpx<V> load_elements(const float *work, std::size_t e) {
+  if constexpr (G == 1) {
+    const auto [re, im] = load_split_pairs<V>(work + 2 * e);
+    return {natural_order(re), natural_order(im)};
+  } else {
+    const float *p = work + (G == lanes<V> ? 2 * e : offset_of<G>(e));
+    return {load<V>(p), load<V>(p + G)};
+  }
+}
+template <int G, class V>
+inline void store_elements(float *work, std::size_t e, cpx<V> z) {
+  if constexpr (G == 1) {
+    store_interleaved(work + 2 * e, z.re, z.im);
+  } else {
+    float *p = work + (G == lanes<V> ? 2 * e : offset_of<G>(e));
+    store(p, z.re);
+    store(p + G, z.im);
+  }
+}
+
+}  // namespace mvk
