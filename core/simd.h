@@ -9,6 +9,7 @@
 //
 //   lanes<V>                     samples in a V: 1, 4, 8
 //   load<V>(p), store(p, v)      any float address
+//   load_once<V>(p)              the same, held in a register from there on
 //   V(x)                         x in every lane; a float beside a V becomes one
 //   a + b, a - b, a * b, a / b   one rounding each
 //   fma(a, b, c)                 a * b + c, one rounding
@@ -94,6 +95,13 @@ namespace mvk {
 
 template <class V>
 inline constexpr int lanes = sizeof(V) / sizeof(float);
+
+#if !defined(MVK_SIMD_AVX2)
+template <class V>
+inline V load_once(const float *p) {
+  return load<V>(p);
+}
+#endif
 
 inline void transpose_fours(f32x4 (&rows)[4]) { transpose(rows); }
 

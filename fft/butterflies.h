@@ -23,13 +23,13 @@ inline constexpr float sin_2_fifths = 0x1.2cf230p-1f;  // sin(4 pi / 5)
 // ---- Of plain operands --------------------------------------------------------
 
 template <class A, class V>
-inline void radix2(const cpx<A> (&a)[1], const cpx<V> (&b)[1], cpx<V> (&y)[2]) {
+MVK_INLINE void radix2(const cpx<A> (&a)[1], const cpx<V> (&b)[1], cpx<V> (&y)[2]) {
   y[0] = a[0] + b[0];
   y[1] = a[0] - b[0];
 }
 
 template <class A, class V>
-inline void radix4(const cpx<A> (&a)[2], const cpx<V> (&b)[2], cpx<V> (&y)[4]) {
+MVK_INLINE void radix4(const cpx<A> (&a)[2], const cpx<V> (&b)[2], cpx<V> (&y)[4]) {
   const auto [a0, a1] = a;
   const auto [a2, a3] = b;
   const cpx<V> u = a0 + a2, e = a0 - a2, t = a1 + a3;
@@ -41,7 +41,7 @@ inline void radix4(const cpx<A> (&a)[2], const cpx<V> (&b)[2], cpx<V> (&y)[4]) {
 
 // The transform of four points alone, which adds in an order of its own.
 template <class A, class V>
-inline void four_points(const cpx<A> (&a)[2], const cpx<V> (&b)[2], cpx<V> (&y)[4]) {
+MVK_INLINE void four_points(const cpx<A> (&a)[2], const cpx<V> (&b)[2], cpx<V> (&y)[4]) {
   const auto [a0, a1] = a;
   const auto [a2, a3] = b;
   const cpx<V> u = a0 + a2, e = a0 - a2, t = a3 + a1;
@@ -52,7 +52,7 @@ inline void four_points(const cpx<A> (&a)[2], const cpx<V> (&b)[2], cpx<V> (&y)[
 }
 
 template <class A, class V>
-inline void radix8(const cpx<A> (&a)[4], const cpx<V> (&b)[4], cpx<V> (&y)[8]) {
+MVK_INLINE void radix8(const cpx<A> (&a)[4], const cpx<V> (&b)[4], cpx<V> (&y)[8]) {
   const auto [a0, a1, a2, a3] = a;
   const auto [a4, a5, a6, a7] = b;
   const V r = sqrt_half;
@@ -78,7 +78,7 @@ inline void radix8(const cpx<A> (&a)[4], const cpx<V> (&b)[4], cpx<V> (&y)[8]) {
 
 // Of a, b, c, given S = b + c and D = b - c.
 template <class A, class V>
-inline void radix3(cpx<A> a, cpx<V> S, cpx<V> D, cpx<V> &y0, cpx<V> &y1, cpx<V> &y2) {
+MVK_INLINE void radix3(cpx<A> a, cpx<V> S, cpx<V> D, cpx<V> &y0, cpx<V> &y1, cpx<V> &y2) {
   const V h = 0.5f, s = sin_third;
   y0 = a + S;
   const cpx<V> t = {fms(S.re, h, a.re), fms(S.im, h, a.im)};
@@ -88,7 +88,7 @@ inline void radix3(cpx<A> a, cpx<V> S, cpx<V> D, cpx<V> &y0, cpx<V> &y1, cpx<V> 
 
 // Of a0 to a4, given S1 = a1 + a4, D1 = a1 - a4, S2 = a2 + a3 and D2 = a2 - a3.
 template <class A, class V>
-inline void radix5(cpx<A> a0, cpx<V> S1, cpx<V> D1, cpx<V> S2, cpx<V> D2, cpx<V> (&y)[5]) {
+MVK_INLINE void radix5(cpx<A> a0, cpx<V> S1, cpx<V> D1, cpx<V> S2, cpx<V> D2, cpx<V> (&y)[5]) {
   const V c1 = cos_fifth, c2 = cos_2_fifths, s1 = sin_fifth, s2 = sin_2_fifths;
   const cpx<V> A1 = {fma(S2.re, c2, S1.re * c1), fma(S2.im, c2, S1.im * c1)};
   const cpx<V> A2 = {fma(S2.re, c1, S1.re * c2), fma(S2.im, c1, S1.im * c2)};
@@ -103,14 +103,14 @@ inline void radix5(cpx<A> a0, cpx<V> S1, cpx<V> D1, cpx<V> S2, cpx<V> D2, cpx<V>
 }
 
 template <class A, class V>
-inline void radix5(const cpx<A> (&a)[3], const cpx<V> (&b)[2], cpx<V> (&y)[5]) {
+MVK_INLINE void radix5(const cpx<A> (&a)[3], const cpx<V> (&b)[2], cpx<V> (&y)[5]) {
   radix5(a[0], a[1] + b[1], a[1] - b[1], a[2] + b[0], a[2] - b[0], y);
 }
 
 // Radix 2 on the points three apart, then radix 3: the odd bins' is of d0, d2 and -d1, where
 // the turns by a sixth come to signs.
 template <class A, class V>
-inline void radix6(const cpx<A> (&a)[3], const cpx<V> (&b)[3], cpx<V> (&y)[6]) {
+MVK_INLINE void radix6(const cpx<A> (&a)[3], const cpx<V> (&b)[3], cpx<V> (&y)[6]) {
   const cpx<V> s0 = a[0] + b[0], s1 = a[1] + b[1], s2 = a[2] + b[2];
   const cpx<V> d0 = a[0] - b[0], d1 = a[1] - b[1], d2 = a[2] - b[2];
   radix3(s0, s1 + s2, s1 - s2, y[0], y[2], y[4]);
@@ -121,33 +121,40 @@ inline void radix6(const cpx<A> (&a)[3], const cpx<V> (&b)[3], cpx<V> (&y)[6]) {
 
 // b * w. The real part's second product is fused, and in the imaginary part b.im's.
 template <class V>
-inline cpx<V> turned(cpx<V> b, cpx<V> w) {
+MVK_INLINE cpx<V> turned(cpx<V> b, cpx<V> w) {
   return {fms(b.im, w.im, b.re * w.re), fma(b.im, w.re, b.re * w.im)};
 }
 // The same; in the imaginary part b.re's is fused.
 template <class V>
-inline cpx<V> turned_middle(cpx<V> b, cpx<V> w) {
+MVK_INLINE cpx<V> turned_middle(cpx<V> b, cpx<V> w) {
   return {fms(b.im, w.im, b.re * w.re), fma(b.re, w.im, b.im * w.re)};
 }
 template <class V>
-inline V turned_im(cpx<V> b, cpx<V> w) {
+MVK_INLINE V turned_im(cpx<V> b, cpx<V> w) {
   return fma(b.im, w.re, b.re * w.im);
 }
 
+// The butterflies of later passes. a(q) reads operand q and w(q) its twiddle, each once and
+// just before its use, and y[p] is what goes to bin p: more than that, sixteen registers
+// wouldn't hold.
+
 // Radix 4, its products fused into the sums of the real parts.
 struct radix4_turned {
-  static constexpr int radix = 4;
+  static constexpr int radix = 4, twiddles = 3;
 
-  template <class V, class Twiddles>
-  static void apply(const cpx<V> (&a)[4], const Twiddles &w, cpx<V> (&y)[4]) {
-    const cpx<V> w1 = w(1), w2 = w(2), w3 = w(3);
-    const cpx<V> A1 = turned(a[1], w1);
-    const V A3i = turned_im(a[3], w3), A2i = turned_im(a[2], w2);
-    const V S = fma(a[3].re, w3.re, fms(a[3].im, w3.im, A1.re));
-    const V D = fma(a[3].im, w3.im, fms(a[3].re, w3.re, A1.re));
-    const V P = fms(a[2].im, w2.im, fma(a[2].re, w2.re, a[0].re));
-    const V Q = fms(a[2].re, w2.re, fma(a[2].im, w2.im, a[0].re));
-    const V s = a[0].im + A2i, d = a[0].im - A2i, t = A1.im + A3i;
+  template <class V, class Operands, class Twiddles>
+  MVK_INLINE static void apply(const Operands &a, const Twiddles &w, cpx<V> (&y)[4]) {
+    const cpx<V> a1 = a(1), w1 = w(1);
+    const cpx<V> A1 = turned(a1, w1);
+    const cpx<V> a3 = a(3), w3 = w(3);
+    const V A3i = turned_im(a3, w3);
+    const V S = fma(a3.re, w3.re, fms(a3.im, w3.im, A1.re));
+    const V D = fma(a3.im, w3.im, fms(a3.re, w3.re, A1.re));
+    const cpx<V> a0 = a(0), a2 = a(2), w2 = w(2);
+    const V A2i = turned_im(a2, w2);
+    const V P = fms(a2.im, w2.im, fma(a2.re, w2.re, a0.re));
+    const V Q = fms(a2.re, w2.re, fma(a2.im, w2.im, a0.re));
+    const V s = a0.im + A2i, d = a0.im - A2i, t = A1.im + A3i;
     y[0] = {P + S, s + t};
     y[1] = {(Q - A3i) + A1.im, d - D};
     y[2] = {P - S, s - t};
@@ -156,55 +163,103 @@ struct radix4_turned {
 };
 
 struct radix3_turned {
-  static constexpr int radix = 3;
+  static constexpr int radix = 3, twiddles = 2;
 
-  template <class V, class Twiddles>
-  static void apply(const cpx<V> (&a)[3], const Twiddles &w, cpx<V> (&y)[3]) {
-    const cpx<V> w2 = w(2), c = a[2];
-    const cpx<V> B = turned(a[1], w(1));
+  template <class V, class Operands, class Twiddles>
+  MVK_INLINE static void apply(const Operands &a, const Twiddles &w, cpx<V> (&y)[3]) {
+    const cpx<V> B = turned(a(1), w(1)), c = a(2), w2 = w(2);
     const V Ci = turned_im(c, w2);
     const cpx<V> S = {fma(c.re, w2.re, fms(c.im, w2.im, B.re)), B.im + Ci};
     const cpx<V> D = {fma(c.im, w2.im, fms(c.re, w2.re, B.re)), B.im - Ci};
-    radix3(a[0], S, D, y[0], y[1], y[2]);
+    radix3(a(0), S, D, y[0], y[1], y[2]);
   }
 };
 
 struct radix5_turned {
-  static constexpr int radix = 5;
+  static constexpr int radix = 5, twiddles = 4;
 
-  template <class V, class Twiddles>
-  static void apply(const cpx<V> (&a)[5], const Twiddles &w, cpx<V> (&y)[5]) {
-    // Sum and difference of b and c, turned.
-    const auto pair = [](cpx<V> b, cpx<V> wb, cpx<V> c, cpx<V> wc, cpx<V> &S, cpx<V> &D) {
-      const cpx<V> t = turned(b, wb);
+  template <class V, class Operands, class Twiddles>
+  MVK_INLINE static void apply(const Operands &a, const Twiddles &w, cpx<V> (&y)[5]) {
+    // Sum and difference of operands p and q, turned.
+    const auto pair = [&](int p, int q, cpx<V> &S, cpx<V> &D) MVK_INLINED_LAMBDA {
+      const cpx<V> t = turned(a(p), w(p)), c = a(q), wc = w(q);
       const V u = turned_im(c, wc);
       S = {fma(wc.re, c.re, fms(c.im, wc.im, t.re)), t.im + u};
       D = {fma(wc.im, c.im, fms(c.re, wc.re, t.re)), t.im - u};
     };
     cpx<V> S1, D1, S2, D2;
-    pair(a[1], w(1), a[4], w(4), S1, D1);
-    pair(a[2], w(2), a[3], w(3), S2, D2);
-    radix5(a[0], S1, D1, S2, D2, y);
+    pair(1, 4, S1, D1);
+    pair(2, 3, S2, D2);
+    radix5(a(0), S1, D1, S2, D2, y);
   }
 };
 
 struct radix6_turned {
-  static constexpr int radix = 6;
+  static constexpr int radix = 6, twiddles = 5;
 
-  template <class V, class Twiddles>
-  static void apply(const cpx<V> (&a)[6], const Twiddles &w, cpx<V> (&y)[6]) {
-    radix6({a[0], turned(a[1], w(1)), turned(a[2], w(2))},
-           {turned(a[3], w(3)), turned(a[4], w(4)), turned(a[5], w(5))}, y);
+  template <class V, class Operands, class Twiddles>
+  MVK_INLINE static void apply(const Operands &a, const Twiddles &w, cpx<V> (&y)[6]) {
+    const auto b = [&](int q) MVK_INLINED_LAMBDA { return turned(a(q), w(q)); };
+    radix6({a(0), b(1), b(2)}, {b(3), b(4), b(5)}, y);
   }
 };
 
-struct radix8_turned {
-  static constexpr int radix = 8;
+// ---- By tangents --------------------------------------------------------------
 
-  template <class V, class Twiddles>
-  static void apply(const cpx<V> (&a)[8], const Twiddles &w, cpx<V> (&y)[8]) {
-    radix8({a[0], turned(a[1], w(1)), turned(a[2], w(2)), turned(a[3], w(3))},
-           {turned(a[4], w(4)), turned(a[5], w(5)), turned(a[6], w(6)), turned(a[7], w(7))}, y);
+// The radix-2 butterfly a +- w b with w = c (1 + j t), of six fused operations: the product with
+// 1 + j t first, c with the sums. w is {c, t}.
+//
+// Literature: E. Linzer and E. Feig, "Implementation of efficient FFT algorithms on fused
+// multiply-add architectures", IEEE Trans. Signal Processing 41(1), 1993.
+template <class V>
+MVK_INLINE void radix2_by_tangent(cpx<V> a, cpx<V> b, cpx<V> w, cpx<V> &sum, cpx<V> &difference) {
+  const V re = fms(w.im, b.im, b.re), im = fma(w.im, b.re, b.im);
+  sum.re = fma(w.re, re, a.re), sum.im = fma(w.re, im, a.im);
+  difference.re = fms(w.re, re, a.re), difference.im = fms(w.re, im, a.im);
+}
+// The same with -j w for w.
+template <class V>
+MVK_INLINE void radix2_by_tangent_j(cpx<V> a, cpx<V> b, cpx<V> w, cpx<V> &sum, cpx<V> &difference) {
+  const V re = fms(w.im, b.im, b.re), im = fma(w.im, b.re, b.im);
+  sum.re = fma(w.re, im, a.re), sum.im = fms(w.re, re, a.im);
+  difference.re = fms(w.re, im, a.re), difference.im = fma(w.re, re, a.im);
+}
+
+// Of operands p, p + stride and so on, four in all, by w(i) and w(i + 1).
+template <class V, class Operands>
+MVK_INLINE void radix4_by_tangents(const Operands &a, int p, int stride, cpx<V> w2, cpx<V> w1,
+                                   cpx<V> (&y)[4]) {
+  cpx<V> e0, e1, o0, o1;
+  radix2_by_tangent(a(p), a(p + 2 * stride), w2, e0, e1);
+  radix2_by_tangent(a(p + stride), a(p + 3 * stride), w2, o0, o1);
+  radix2_by_tangent(e0, o0, w1, y[0], y[2]);
+  radix2_by_tangent_j(e1, o1, w1, y[1], y[3]);
+}
+
+struct radix4_tangent {
+  static constexpr int radix = 4, twiddles = 2;
+
+  template <class V, class Operands, class Twiddles>
+  MVK_INLINE static void apply(const Operands &a, const Twiddles &w, cpx<V> (&y)[4]) {
+    radix4_by_tangents(a, 0, 1, w(1), w(2), y);
+  }
+};
+
+struct radix8_tangent {
+  static constexpr int radix = 8, twiddles = 4;
+
+  template <class V, class Operands, class Twiddles>
+  MVK_INLINE static void apply(const Operands &a, const Twiddles &w, cpx<V> (&y)[8]) {
+    const cpx<V> w4 = w(1), w2 = w(2);
+    cpx<V> e[4], o[4];
+    radix4_by_tangents(a, 0, 2, w4, w2, e);
+    radix4_by_tangents(a, 1, 2, w4, w2, o);
+    const cpx<V> w1 = w(3);
+    radix2_by_tangent(e[0], o[0], w1, y[0], y[4]);
+    radix2_by_tangent_j(e[2], o[2], w1, y[2], y[6]);
+    const cpx<V> w1_8 = w(4);
+    radix2_by_tangent(e[1], o[1], w1_8, y[1], y[5]);
+    radix2_by_tangent_j(e[3], o[3], w1_8, y[3], y[7]);
   }
 };
 

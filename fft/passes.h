@@ -22,66 +22,80 @@ namespace mvk {
 
 // Stores the rows of R bins whose transforms stand in the lanes of y, lane l being row
 // r + split_lane<V>[l].
-template <int R, int G, class V>
-inline void store_rows(float *work, std::size_t r, cpx<V> (&y)[R]) {
+template <int R, int G, bool split, class V>
+MVK_INLINE void store_rows(float *work, std::size_t r, cpx<V> (&y)[R]) {
   constexpr int n = lanes<V>;
+  // Where in its group an element stands, and the other way round.
+  constexpr auto place = [](int p) { return split ? split_lane<f32x8>[p] : p; };
+  const auto row = [r](int l) { return (r + split_lane<V>[l]) * R; };
   if constexpr (n == 1) {
-    for (int p = 0; p < R; ++p) store_elements<G>(work, r * R + p, y[p]);
+    unrolled<R>([&](auto p) { store_elements<G>(work, r * R + place(p), y[p]); });
   } else if constexpr (n == 8 && R == 8) {
-    V re[8], im[8];
-    for (int p = 0; p < 8; ++p) re[p] = y[p].re, im[p] = y[p].im;
-    transpose(re);
-    transpose(im);
-    for (int l = 0; l < 8; ++l)
-      store_elements<G>(work, (r + split_lane<V>[l]) * 8, cpx<V>{re[l], im[l]});
-  } else if constexpr (R % 4 == 0) {
-    for (int p = 0; p < R; p += 4) {
+    // Half a row at a time.
+    unrolled<2>([&](auto half) {
       V re[4], im[4];
-      for (int i = 0; i < 4; ++i) re[i] = y[p + i].re, im[i] = y[p + i].im;
+      unrolled<4>([&](auto i) {
+        constexpr int p = place(4 * half + i);
+        re[i] = y[p].re, im[i] = y[p].im;
+      });
       transpose_fours(re);
       transpose_fours(im);
-      for (int l = 0; l < 4; ++l) {
+      unrolled<4>([&](auto l) {
+        float *const lo = work + 2 * row(l) + 4 * half, *const hi =
+                                                            work + 2 * row(l + 4) + 4 * half;
+        store(lo, lower(re[l]));
+        store(lo + 8, lower(im[l]));
+        store(hi, upper(re[l]));
+        store(hi + 8, upper(im[l]));
+      });
+    });
+  } else if constexpr (R % 4 == 0) {
+    unrolled<R / 4>([&](auto block) {
+      constexpr int p = 4 * block;
+      V re[4], im[4];
+      unrolled<4>([&](auto i) { re[i] = y[place(p + i)].re, im[i] = y[place(p + i)].im; });
+      transpose_fours(re);
+      transpose_fours(im);
+      unrolled<4>([&](auto l) {
         if constexpr (n == 4) {
-          store_elements<G>(work, (r + l) * R + p, cpx<V>{re[l], im[l]});
+          store_elements<G>(work, row(l) + p, cpx<V>{re[l], im[l]});
         } else if constexpr (G == 8) {
-          // Two rows in one group, the second being r + split_lane<V>[l + 4].
+          // Two rows in one group, the second being lane l + 4's.
           store_elements<G>(work, r * R + 8 * l, cpx<V>{re[l], im[l]});
         } else {
-          store_elements<G>(work, (r + split_lane<V>[l]) * R + p, cpx{lower(re[l]), lower(im[l])});
-          store_elements<G>(work, (r + split_lane<V>[l + 4]) * R + p,
-                            cpx{upper(re[l]), upper(im[l])});
+          store_elements<G>(work, row(l) + p, cpx{lower(re[l]), lower(im[l])});
+          store_elements<G>(work, row(l + 4) + p, cpx{upper(re[l]), upper(im[l])});
         }
-      }
-    }
+      });
+    });
   } else {
     float re[n], im[n];
-    for (int p = 0; p < R; ++p) {
+    unrolled<R>([&](auto p) {
       store(re, y[p].re);
       store(im, y[p].im);
-      for (int l = 0; l < n; ++l)
-        store_elements<G>(work, (r + split_lane<V>[l]) * R + p, cpx{re[l], im[l]});
-    }
+      for (int l = 0; l < n; ++l) store_elements<G>(work, row(l) + p, cpx{re[l], im[l]});
+    });
   }
 }
 
 template <class A, class V>
-inline void first_butterfly(const cpx<A> (&a)[1], const cpx<V> (&b)[1], cpx<V> (&y)[2]) {
+MVK_INLINE void first_butterfly(const cpx<A> (&a)[1], const cpx<V> (&b)[1], cpx<V> (&y)[2]) {
   radix2(a, b, y);
 }
 template <class A, class V>
-inline void first_butterfly(const cpx<A> (&a)[2], const cpx<V> (&b)[2], cpx<V> (&y)[4]) {
+MVK_INLINE void first_butterfly(const cpx<A> (&a)[2], const cpx<V> (&b)[2], cpx<V> (&y)[4]) {
   radix4(a, b, y);
 }
 template <class A, class V>
-inline void first_butterfly(const cpx<A> (&a)[3], const cpx<V> (&b)[2], cpx<V> (&y)[5]) {
+MVK_INLINE void first_butterfly(const cpx<A> (&a)[3], const cpx<V> (&b)[2], cpx<V> (&y)[5]) {
   radix5(a, b, y);
 }
 template <class A, class V>
-inline void first_butterfly(const cpx<A> (&a)[3], const cpx<V> (&b)[3], cpx<V> (&y)[6]) {
+MVK_INLINE void first_butterfly(const cpx<A> (&a)[3], const cpx<V> (&b)[3], cpx<V> (&y)[6]) {
   radix6(a, b, y);
 }
 template <class A, class V>
-inline void first_butterfly(const cpx<A> (&a)[4], const cpx<V> (&b)[4], cpx<V> (&y)[8]) {
+MVK_INLINE void first_butterfly(const cpx<A> (&a)[4], const cpx<V> (&b)[4], cpx<V> (&y)[8]) {
   radix8(a, b, y);
 }
 
@@ -89,46 +103,52 @@ inline void first_butterfly(const cpx<A> (&a)[4], const cpx<V> (&b)[4], cpx<V> (
 // inverse one. An inverse radix 8 is computed forward, on parts as they are: its bins are those
 // of the forward transform in the opposite order, and are exchanged then.
 template <bool inverse, bool scaled, int R, class V, class Butterfly>
-inline void transform_inputs(const cpx<V> (&x)[R], float scale, cpx<V> (&y)[R],
-                             Butterfly butterfly) {
+MVK_INLINE void transform_inputs(const cpx<V> (&x)[R], float scale, cpx<V> (&y)[R],
+                                 Butterfly butterfly) {
   constexpr int first_half = (R + 1) / 2;
   constexpr bool mirrors = inverse && R == 8;
-  cpx<V> b[R - first_half];
-  for (int m = first_half; m < R; ++m) {
-    b[m - first_half] = exchanged_if < inverse && !mirrors > (x[m]);
-    if (scaled) b[m - first_half] = {b[m - first_half].re * scale, b[m - first_half].im * scale};
-  }
-  if constexpr (scaled) {
-    cpx<unscaled<V>> a[first_half];
-    for (int m = 0; m < first_half; ++m) {
-      const cpx<V> z = exchanged_if < inverse && !mirrors > (x[m]);
-      a[m] = {{z.re, V(scale)}, {z.im, V(scale)}};
+  const V s = scale;
+  cpx<std::conditional_t<scaled, unscaled<V>, V>> a[first_half];
+  cpx<V> b[R - first_half], z[R];
+  unrolled<R>([&](auto m) {
+    const V re = inverse && !mirrors ? x[m].im : x[m].re;
+    const V im = inverse && !mirrors ? x[m].re : x[m].im;
+    if constexpr (m >= first_half) {
+      b[m - first_half].re = scaled ? re * s : re;
+      b[m - first_half].im = scaled ? im * s : im;
+    } else if constexpr (scaled) {
+      a[m] = {{re, s}, {im, s}};
+    } else {
+      a[m].re = re;
+      a[m].im = im;
     }
-    butterfly(a, b, y);
-  } else {
-    cpx<V> a[first_half];
-    for (int m = 0; m < first_half; ++m) a[m] = exchanged_if < inverse && !mirrors > (x[m]);
-    butterfly(a, b, y);
-  }
+  });
   if constexpr (mirrors) {
-    const cpx<V> z[8] = {y[0], y[1], y[2], y[3], y[4], y[5], y[6], y[7]};
-    for (int p = 0; p < 8; ++p) y[p] = exchanged(z[-p & 7]);
+    butterfly(a, b, z);
+    unrolled<R>([&](auto p) {
+      y[p].re = z[(R - p) % R].im;
+      y[p].im = z[(R - p) % R].re;
+    });
+  } else {
+    butterfly(a, b, y);
   }
 }
 
 // Rows of R bins out of the n input pairs at src.
-template <int R, bool inverse, bool scaled, class V, int G>
-inline void first_pass(float *work, const float *src, std::size_t n, float scale) {
+template <int R, bool inverse, bool scaled, class V, int G, bool split>
+MVK_PASS void first_pass(float *work, const float *src, std::size_t n, float scale) {
   const std::size_t rows = n / R;
-  const auto make_rows = [=](std::size_t r) {
+  const auto make_rows = [=](std::size_t r) MVK_INLINED_LAMBDA {
     cpx<V> x[R], y[R];
     unrolled<R>([&](auto m) {
-      const auto [re, im] = load_split_pairs<V>(src + 2 * (r + m * rows));
-      x[m] = {re, im};
+      const halves<V> z = load_split_pairs<V>(src + 2 * (r + m * rows));
+      x[m].re = z.lo;
+      x[m].im = z.hi;
     });
-    transform_inputs<inverse, scaled>(
-        x, scale, y, [](const auto &a, const auto &b, auto &z) { first_butterfly(a, b, z); });
-    store_rows<R, G>(work, r, y);
+    transform_inputs<inverse, scaled>(x, scale, y,
+                                      [](const auto &a, const auto &b, auto &z)
+                                          MVK_INLINED_LAMBDA { first_butterfly(a, b, z); });
+    store_rows<R, G, split>(work, r, y);
   };
   std::size_t r = 0;
   for (; r + lanes<V> <= rows; r += lanes<V>) make_rows(r);
@@ -140,39 +160,43 @@ inline void first_pass(float *work, const float *src, std::size_t n, float scale
 // ---- Later passes -------------------------------------------------------------
 
 // Radix 4 with the twiddle products finished first; bin 0 isn't multiplied, so that its zeros
-// keep their signs, and infinities don't turn into NaNs.
+// keep their signs, and infinities don't turn into NaNs. `twice`: vectors hold two bins 0.
 template <bool twice>
 struct radix4_middle {
-  static constexpr int radix = 4;
+  static constexpr int radix = 4, twiddles = 3;
 
-  template <class V, class Twiddles>
-  static void apply(const cpx<V> (&a)[4], const Twiddles &w, cpx<V> (&y)[4]) {
-    radix4({a[0], turned_middle(a[1], w(1))},
-           {turned_middle(a[2], w(2)), turned_middle(a[3], w(3))}, y);
+  template <class V, class Operands, class Twiddles>
+  MVK_INLINE static void apply(const Operands &a, const Twiddles &w, cpx<V> (&y)[4]) {
+    run(a, w, y, [](V, V t) MVK_INLINED_LAMBDA { return t; });
   }
 
   // For vectors that begin with bin 0.
-  template <class V, class Twiddles>
-  static void apply_first(const cpx<V> (&a)[4], const Twiddles &w, cpx<V> (&y)[4]) {
-    cpx<V> b[4];
-    unrolled<3>([&](auto i) {
-      const cpx<V> t = turned_middle(a[i + 1], w(i + 1));
-      b[i + 1] = {untouched(a[i + 1].re, t.re), untouched(a[i + 1].im, t.im)};
+  template <class V, class Operands, class Twiddles>
+  MVK_INLINE static void apply_first(const Operands &a, const Twiddles &w, cpx<V> (&y)[4]) {
+    run(a, w, y, [](V x, V t) MVK_INLINED_LAMBDA {
+      if constexpr (twice)
+        return with_lanes04(x, t);
+      else
+        return with_lane0(x, t);
     });
-    radix4({a[0], b[1]}, {b[2], b[3]}, y);
   }
 
  private:
-  template <class V>
-  static V untouched(V a, V t) {
-    if constexpr (twice) return with_lanes04(a, t);
-    return with_lane0(a, t);
+  template <class V, class Operands, class Twiddles, class Choose>
+  MVK_INLINE static void run(const Operands &a, const Twiddles &w, cpx<V> (&y)[4], Choose choose) {
+    cpx<V> b[4];
+    for (const int q : {1, 3, 2}) {
+      const cpx<V> x = a(q), t = turned_middle(x, w(q));
+      b[q].re = choose(x.re, t.re);
+      b[q].im = choose(x.im, t.im);
+    }
+    radix4({a(0), b[1]}, {b[2], b[3]}, y);
   }
 };
 
-template <class Butterfly, class V, class Twiddles>
-inline void apply(const cpx<V> (&a)[Butterfly::radix], const Twiddles &w,
-                  cpx<V> (&y)[Butterfly::radix], bool bin_0) {
+template <class Butterfly, class V, class Operands, class Twiddles>
+MVK_INLINE void apply(const Operands &a, const Twiddles &w, cpx<V> (&y)[Butterfly::radix],
+                      bool bin_0) {
   if constexpr (requires { Butterfly::apply_first(a, w, y); }) {
     if (bin_0) return Butterfly::apply_first(a, w, y);
   }
@@ -181,16 +205,21 @@ inline void apply(const cpx<V> (&a)[Butterfly::radix], const Twiddles &w,
 
 // Makes `rows` rows out of rows of M, in groups of In and Out. In place where rows is 1 and the
 // vectors are whole groups.
-template <class Butterfly, class V, int In, int Out, bool exchange>
-inline void later_pass(float *out, const float *in, const float *twiddles, std::size_t M,
-                       std::size_t rows) {
+template <class Butterfly, class V, int In, int Out, bool split, bool exchange>
+MVK_PASS void later_pass(float *out, const float *in, const float *twiddles, std::size_t M,
+                         std::size_t rows) {
   constexpr int R = Butterfly::radix;
-  const auto step = [=](std::size_t r, std::size_t k, bool bin_0) [[gnu::always_inline]] {
-    cpx<V> a[R], y[R];
-    unrolled<R>([&](auto q) { a[q] = load_elements<V, In>(in, (r + q * rows) * M + k); });
-    apply<Butterfly>(a, grouped_twiddles<V>{twiddles + 2 * (R - 1) * k}, y, bin_0);
+  const auto step = [=](std::size_t r, std::size_t k, bool bin_0) MVK_INLINED_LAMBDA {
+    cpx<V> y[R];
+    apply<Butterfly>(
+        [=](int q) MVK_INLINED_LAMBDA { return load_elements<V, In>(in, (r + q * rows) * M + k); },
+        grouped_twiddles<V>{twiddles + 2 * Butterfly::twiddles * k}, y, bin_0);
     unrolled<R>([&](auto p) {
-      store_elements<Out>(out, (r * R + p) * M + k, exchanged_if<exchange>(y[p]));
+      const std::size_t e = (r * R + p) * M + k;
+      if constexpr (Out == 1 && split)
+        store_split(out, e, exchanged_if<exchange>(y[p]));
+      else
+        store_elements<Out>(out, e, exchanged_if<exchange>(y[p]));
     });
   };
   for (std::size_t r = 0; r < rows; ++r) {
@@ -201,14 +230,15 @@ inline void later_pass(float *out, const float *in, const float *twiddles, std::
 
 // The same for M that isn't a multiple of 4, on pairs and plain twiddles.
 template <class Butterfly, bool exchange>
-inline void later_pass_of_pairs(float *out, const float *in, const float *twiddles, std::size_t M,
-                                std::size_t rows) {
+MVK_PASS void later_pass_of_pairs(float *out, const float *in, const float *twiddles, std::size_t M,
+                                  std::size_t rows) {
   constexpr int R = Butterfly::radix;
   for (std::size_t r = 0; r < rows; ++r)
     counted<native>(M, [&]<class V>(std::size_t k) {
-      cpx<V> a[R], y[R];
-      unrolled<R>([&](auto q) { a[q] = load_elements<V, 1>(in, (r + q * rows) * M + k); });
-      Butterfly::apply(a, plain_twiddles<V>{twiddles + k, M}, y);
+      cpx<V> y[R];
+      Butterfly::apply(
+          [=](int q) MVK_INLINED_LAMBDA { return load_elements<V, 1>(in, (r + q * rows) * M + k); },
+          plain_twiddles<V>{twiddles + k, M}, y);
       unrolled<R>([&](auto p) {
         store_elements<1>(out, (r * R + p) * M + k, exchanged_if<exchange>(y[p]));
       });
@@ -217,15 +247,17 @@ inline void later_pass_of_pairs(float *out, const float *in, const float *twiddl
 
 // The same for M = 4 on eight lanes, two rows at a time as the first pass has left them.
 template <class Butterfly, int Out>
-inline void second_pass_of_twos(float *out, const float *in, const float *twiddles,
-                                std::size_t rows) {
+MVK_PASS void second_pass_of_twos(float *out, const float *in, const float *twiddles,
+                                  std::size_t rows) {
   using V = f32x8;
   constexpr int R = Butterfly::radix;
   const grouped_twiddles<V> w{twiddles};
   for (std::size_t pair = 0; pair < rows / 2; ++pair) {
-    cpx<V> a[R], y[R];
-    unrolled<R>([&](auto q) { a[q] = load_elements<V, 8>(in, 8 * (pair + q * (rows / 2))); });
-    apply<Butterfly>(a, w, y, true);
+    cpx<V> y[R];
+    apply<Butterfly>(
+        [=](int q)
+            MVK_INLINED_LAMBDA { return load_elements<V, 8>(in, 8 * (pair + q * (rows / 2))); },
+        w, y, true);
     const std::size_t row[2] = {pair / 2 * 4 + pair % 2, pair / 2 * 4 + pair % 2 + 2};
     if constexpr (Out == 8) {
       unrolled<R / 2>([&](auto i) {

@@ -96,20 +96,24 @@ struct plan {
     return l;
   }
 
-  // A transform of this length takes four lanes where eight would do it all in one step: a
-  // radix-4 kernel of 32 and a radix-8 kernel of 64 points have no business in place, and
-  // callers shall not come to rely on it.
-  static constexpr bool on_four_lanes = N == (F == family::radix4 ? 32 : 64);
+  // Where eight lanes would do a whole pass in one step, that pass takes four: a radix-4 kernel
+  // of 32 and a radix-8 kernel of 64 points have no business in place, and callers shall not
+  // come to rely on it. At 32 that is either pass, and the second reads groups of eight.
+  static constexpr bool is_32 = F == family::radix4 && N == 32;
+  static constexpr bool starts_on_four_lanes = is_32 || (F == family::radix8 && N == 64);
 
   // Pass 1 has rows of 4 by twos in vectors of eight.
   static constexpr bool by_twos = lanes<native> == 8 && r.of[0] == 4 && passes > 1 &&
                                   N / L(1) % 4 == 0;
 
+  // Groups of eight have their elements in split order.
+  static constexpr bool split = lanes<native> == 8 && r.of[0] == 8 && !is_32;
+
   // Size of the groups that pass i leaves.
   static constexpr int group(int i) {
     const int l = L(i);
     if (i == passes - 1) return 1;
-    if (i == 0 && (by_twos || on_four_lanes)) return 8;
+    if (i == 0 && (by_twos || is_32)) return 8;
     return l % lanes<native> == 0 ? lanes<native> : l % 4 == 0 ? 4 : 1;
   }
 };
@@ -124,8 +128,6 @@ template <>
 struct turned_butterfly<5> : radix5_turned {};
 template <>
 struct turned_butterfly<6> : radix6_turned {};
-template <>
-struct turned_butterfly<8> : radix8_turned {};
 
 // Of `width` lanes.
 template <int width>
@@ -152,16 +154,26 @@ inline void run_later_pass(float *out, const float *in) {
   constexpr bool last = i == P::passes - 1, exchange = inverse && last;
   constexpr bool twos = i == 1 && P::by_twos;
   constexpr bool middle = F == family::radix4 && P::power_of_two && !last;
-  using butterfly = std::conditional_t<middle, radix4_middle<twos>, turned_butterfly<R>>;
+  // Only the radix-4 family's rounding is laid down.
+  constexpr bool tangents = F == family::radix8 && R % 4 == 0;
 
-  if constexpr (twos) {
-    second_pass_of_twos<butterfly, Out>(out, in, stage_twiddles<A, L, R, 8, true>, rows);
+  if constexpr (tangents) {
+    using butterfly = std::conditional_t<R == 4, radix4_tangent, radix8_tangent>;
+    later_pass<butterfly, typename vector_of<std::min(In, lanes<native>)>::type, In, Out, P::split,
+               exchange>(out, in, stage_tangents<L, R, std::min(In, lanes<native>), P::split>, M,
+                         rows);
+  } else if constexpr (twos) {
+    using butterfly = std::conditional_t<middle, radix4_middle<true>, turned_butterfly<R>>;
+    second_pass_of_twos<butterfly, Out>(out, in, stage_twiddles<A, L, R, 8, false, true>, rows);
   } else if constexpr (In == 1) {
-    later_pass_of_pairs<butterfly, exchange>(out, in, stage_twiddles<A, L, R, 0>, M, rows);
+    later_pass_of_pairs<turned_butterfly<R>, exchange>(out, in, stage_twiddles<A, L, R, 0, false>,
+                                                       M, rows);
   } else {
-    constexpr int width = F == family::radix4 && P::on_four_lanes ? 4 : std::min(In, lanes<native>);
+    constexpr int width = P::is_32 ? 4 : std::min(In, lanes<native>);
     using V = vector_of<width>::type;
-    later_pass<butterfly, V, In, Out, exchange>(out, in, stage_twiddles<A, L, R, width>, M, rows);
+    using butterfly = std::conditional_t<middle, radix4_middle<false>, turned_butterfly<R>>;
+    later_pass<butterfly, V, In, Out, P::split, exchange>(
+        out, in, stage_twiddles<A, L, R, width, P::split>, M, rows);
   }
 }
 
@@ -172,7 +184,7 @@ inline void transform(float *dst, const float *src, float *scratch) {
   using P = plan<F, N>;
   constexpr int passes = P::passes, R = P::r.of[0], rows = N / R;
   constexpr bool even = passes % 2 == 0;
-  constexpr int width = P::on_four_lanes        ? 4
+  constexpr int width = P::starts_on_four_lanes ? 4
                         : rows >= lanes<native> ? lanes<native>
                         : rows >= 4             ? 4
                                                 : 1;
@@ -186,7 +198,7 @@ inline void transform(float *dst, const float *src, float *scratch) {
   float *const places[2] = {to_scratch ? scratch : dst, to_scratch ? dst : scratch};
   const auto after = [&](int i) { return i == passes - 1 ? dst : places[i % 2]; };
 
-  first_pass<R, inverse, scaled, V, P::group(0)>(after(0), src, N, scale);
+  first_pass<R, inverse, scaled, V, P::group(0), P::split>(after(0), src, N, scale);
   [&]<int... i>(std::integer_sequence<int, i...>) {
     (run_later_pass<F, N, A, inverse, i + 1>(after(i + 1), after(i)), ...);
   }
@@ -198,12 +210,13 @@ template <int N, bool inverse, bool scaled>
 inline void transform_at_once(float *dst, const float *src) {
   cpx<float> x[N], y[N];
   for (int m = 0; m < N; ++m) x[m] = {src[2 * m], src[2 * m + 1]};
-  transform_inputs<inverse, scaled>(x, 1.0f / N, y, [](const auto &a, const auto &b, auto &z) {
-    if constexpr (N == 4)
-      four_points(a, b, z);
-    else
-      first_butterfly(a, b, z);
-  });
+  transform_inputs<inverse, scaled>(x, 1.0f / N, y,
+                                    [](const auto &a, const auto &b, auto &z) MVK_INLINED_LAMBDA {
+                                      if constexpr (N == 4)
+                                        four_points(a, b, z);
+                                      else
+                                        first_butterfly(a, b, z);
+                                    });
   for (int p = 0; p < N; ++p) store_elements<1>(dst, p, exchanged_if<inverse>(y[p]));
 }
 

@@ -20,17 +20,17 @@ constexpr std::size_t offset_of(std::size_t e) {
 
 // Elements e to e + lanes - 1, which are in one group unless in pairs.
 template <class V, int G>
-inline cpx<V> load_elements(const float *work, std::size_t e) {
+MVK_INLINE cpx<V> load_elements(const float *work, std::size_t e) {
   if constexpr (G == 1) {
     const auto [re, im] = load_split_pairs<V>(work + 2 * e);
     return {natural_order(re), natural_order(im)};
   } else {
     const float *p = work + (G == lanes<V> ? 2 * e : offset_of<G>(e));
-    return {load<V>(p), load<V>(p + G)};
+    return {load_once<V>(p), load_once<V>(p + G)};
   }
 }
 template <int G, class V>
-inline void store_elements(float *work, std::size_t e, cpx<V> z) {
+MVK_INLINE void store_elements(float *work, std::size_t e, cpx<V> z) {
   if constexpr (G == 1) {
     store_interleaved(work + 2 * e, z.re, z.im);
   } else {
@@ -38,6 +38,14 @@ inline void store_elements(float *work, std::size_t e, cpx<V> z) {
     store(p, z.re);
     store(p + G, z.im);
   }
+}
+
+// Pairs from lanes in split order.
+template <class V>
+MVK_INLINE void store_split(float *work, std::size_t e, cpx<V> z) {
+  const halves<V> pairs = join_pairs(z.re, z.im);
+  store(work + 2 * e, pairs.lo);
+  store(work + 2 * e + lanes<V>, pairs.hi);
 }
 
 }  // namespace mvk

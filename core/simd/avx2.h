@@ -31,6 +31,14 @@ template <>
 inline f32x8 load<f32x8>(const float *p) {
   return {_mm256_loadu_ps(p)};
 }
+// In a register from here on, also where the compiler would rather load twice than have
+// one register less.
+template <class V>
+inline V load_once(const float *p) {
+  V a = load<V>(p);
+  if constexpr (sizeof(V) > sizeof *p) asm("" : "+x"(a.v));
+  return a;
+}
 inline void store(float *p, f32x4 a) { _mm_storeu_ps(p, a.v); }
 inline void store(float *p, f32x8 a) { _mm256_storeu_ps(p, a.v); }
 
@@ -147,11 +155,11 @@ inline f32x8 natural_order(f32x8 a) {
 
 template <>
 inline halves<f32x4> load_split_pairs<f32x4>(const float *p) {
-  return split_pairs(load<f32x4>(p), load<f32x4>(p + 4));
+  return split_pairs(load_once<f32x4>(p), load_once<f32x4>(p + 4));
 }
 template <>
 inline halves<f32x8> load_split_pairs<f32x8>(const float *p) {
-  return split_pairs(load<f32x8>(p), load<f32x8>(p + 8));
+  return split_pairs(load_once<f32x8>(p), load_once<f32x8>(p + 8));
 }
 template <class V>
 inline void store_interleaved(float *p, V even, V odd) {

@@ -97,11 +97,13 @@ inline f32x4 upper(f32x8 a) { return a.hi; }
 inline f32x8 both(f32x4 lo, f32x4 hi) { return {lo, hi}; }
 
 inline void transpose_fours(f32x8 (&r)[4]) {
-  for (const auto half : {&f32x8::lo, &f32x8::hi}) {
+  const auto fours = [&r](f32x4 f32x8::*half) {
     f32x4 q[4] = {r[0].*half, r[1].*half, r[2].*half, r[3].*half};
     transpose(q);
     for (int i = 0; i < 4; ++i) r[i].*half = q[i];
-  }
+  };
+  fours(&f32x8::lo);
+  fours(&f32x8::hi);
 }
 
 inline void transpose(f32x8 (&r)[8]) {

@@ -12,15 +12,13 @@
 
 #define MVK_POWERS_OF_TWO_UP_TO_2048(DO) \
   DO(2) DO(4) DO(8) DO(16) DO(32) DO(64) DO(128) DO(256) DO(512) DO(1024) DO(2048)
-#define MVK_COMPOSITE_LENGTHS(DO)                                                               \
-  DO(6)                                                                                         \
-  DO(12)                                                                                        \
-  DO(15)                                                                                        \
-  DO(20)                                                                                        \
-  DO(24)                                                                                        \
-  DO(30) DO(36) DO(40) DO(45) DO(48) DO(60) DO(72) DO(80) DO(90) DO(96) DO(120) DO(144) DO(160) \
-      DO(180) DO(192) DO(240) DO(288) DO(320) DO(360) DO(384) DO(480) DO(576) DO(640) DO(720)   \
-          DO(768) DO(960)
+#define MVK_COMPOSITES_UP_TO_72(DO) \
+  DO(6) DO(12) DO(15) DO(20) DO(24) DO(30) DO(36) DO(40) DO(45) DO(48) DO(60) DO(72)
+#define MVK_COMPOSITES_UP_TO_320(DO) \
+  DO(80) DO(90) DO(96) DO(120) DO(144) DO(160) DO(180) DO(192) DO(240) DO(288) DO(320)
+#define MVK_COMPOSITES_UP_TO_960(DO) DO(360) DO(384) DO(480) DO(576) DO(640) DO(720) DO(768) DO(960)
+#define MVK_COMPOSITE_LENGTHS(DO) \
+  MVK_COMPOSITES_UP_TO_72(DO) MVK_COMPOSITES_UP_TO_320(DO) MVK_COMPOSITES_UP_TO_960(DO)
 
 namespace testing_support {
 

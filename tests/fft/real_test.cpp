@@ -153,6 +153,10 @@ TEST(RealFft, AgreesWithTheFrontEndToWithinRounding) {
       const ComplexArray got = ComplexOf(Result(transform, x));
       const ComplexArray want = reference::RealForward(x, transform.scaling);
       EXPECT_LT(LargestError(Widened(got), Widened(want)), n == 16 ? 1.5e-6 : 4e-7) << n;
+      // Their steps fuse in different orders.
+      if (n == 1024) {
+        EXPECT_FALSE(SameSamples(FloatsOf(got), FloatsOf(want), {transform.name, "", n, {}, ""}));
+      }
     }
   }
 }
