@@ -22,14 +22,16 @@ inline constexpr float sin_2_fifths = 0x1.2cf230p-1f;  // sin(4 pi / 5)
 
 // ---- Of plain operands --------------------------------------------------------
 
+// butterfly(a, b, y) is of radix 2, 4, 5, 6 or 8, as many as y has.
+
 template <class A, class V>
-MVK_INLINE void radix2(const cpx<A> (&a)[1], const cpx<V> (&b)[1], cpx<V> (&y)[2]) {
+MVK_INLINE void butterfly(const cpx<A> (&a)[1], const cpx<V> (&b)[1], cpx<V> (&y)[2]) {
   y[0] = a[0] + b[0];
   y[1] = a[0] - b[0];
 }
 
 template <class A, class V>
-MVK_INLINE void radix4(const cpx<A> (&a)[2], const cpx<V> (&b)[2], cpx<V> (&y)[4]) {
+MVK_INLINE void butterfly(const cpx<A> (&a)[2], const cpx<V> (&b)[2], cpx<V> (&y)[4]) {
   const auto [a0, a1] = a;
   const auto [a2, a3] = b;
   const cpx<V> u = a0 + a2, e = a0 - a2, t = a1 + a3;
@@ -52,7 +54,7 @@ MVK_INLINE void four_points(const cpx<A> (&a)[2], const cpx<V> (&b)[2], cpx<V> (
 }
 
 template <class A, class V>
-MVK_INLINE void radix8(const cpx<A> (&a)[4], const cpx<V> (&b)[4], cpx<V> (&y)[8]) {
+MVK_INLINE void butterfly(const cpx<A> (&a)[4], const cpx<V> (&b)[4], cpx<V> (&y)[8]) {
   const auto [a0, a1, a2, a3] = a;
   const auto [a4, a5, a6, a7] = b;
   const V r = sqrt_half;
@@ -103,14 +105,14 @@ MVK_INLINE void radix5(cpx<A> a0, cpx<V> S1, cpx<V> D1, cpx<V> S2, cpx<V> D2, cp
 }
 
 template <class A, class V>
-MVK_INLINE void radix5(const cpx<A> (&a)[3], const cpx<V> (&b)[2], cpx<V> (&y)[5]) {
+MVK_INLINE void butterfly(const cpx<A> (&a)[3], const cpx<V> (&b)[2], cpx<V> (&y)[5]) {
   radix5(a[0], a[1] + b[1], a[1] - b[1], a[2] + b[0], a[2] - b[0], y);
 }
 
 // Radix 2 on the points three apart, then radix 3: the odd bins' is of d0, d2 and -d1, where
 // the turns by a sixth come to signs.
 template <class A, class V>
-MVK_INLINE void radix6(const cpx<A> (&a)[3], const cpx<V> (&b)[3], cpx<V> (&y)[6]) {
+MVK_INLINE void butterfly(const cpx<A> (&a)[3], const cpx<V> (&b)[3], cpx<V> (&y)[6]) {
   const cpx<V> s0 = a[0] + b[0], s1 = a[1] + b[1], s2 = a[2] + b[2];
   const cpx<V> d0 = a[0] - b[0], d1 = a[1] - b[1], d2 = a[2] - b[2];
   radix3(s0, s1 + s2, s1 - s2, y[0], y[2], y[4]);
@@ -200,7 +202,7 @@ struct radix6_turned {
   template <class V, class Operands, class Twiddles>
   MVK_INLINE static void apply(const Operands &a, const Twiddles &w, cpx<V> (&y)[6]) {
     const auto b = [&](int q) MVK_INLINED_LAMBDA { return turned(a(q), w(q)); };
-    radix6({a(0), b(1), b(2)}, {b(3), b(4), b(5)}, y);
+    butterfly({a(0), b(1), b(2)}, {b(3), b(4), b(5)}, y);
   }
 };
 

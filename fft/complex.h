@@ -58,6 +58,3 @@ MVK_INLINE V operator-(V a, unscaled<V> b) {
 }
 
 }  // namespace mvk
-#ifndef MVK_PASS
-#define MVK_PASS [[gnu::noinline]]
-#endif

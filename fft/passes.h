@@ -41,8 +41,8 @@ MVK_INLINE void store_rows(float *work, std::size_t r, cpx<V> (&y)[R]) {
       transpose_fours(re);
       transpose_fours(im);
       unrolled<4>([&](auto l) {
-        float *const lo = work + 2 * row(l) + 4 * half, *const hi =
-                                                            work + 2 * row(l + 4) + 4 * half;
+        float *const lo = work + 2 * row(l) + 4 * half;
+        float *const hi = work + 2 * row(l + 4) + 4 * half;
         store(lo, lower(re[l]));
         store(lo + 8, lower(im[l]));
         store(hi, upper(re[l]));
@@ -78,33 +78,12 @@ MVK_INLINE void store_rows(float *work, std::size_t r, cpx<V> (&y)[R]) {
   }
 }
 
-template <class A, class V>
-MVK_INLINE void first_butterfly(const cpx<A> (&a)[1], const cpx<V> (&b)[1], cpx<V> (&y)[2]) {
-  radix2(a, b, y);
-}
-template <class A, class V>
-MVK_INLINE void first_butterfly(const cpx<A> (&a)[2], const cpx<V> (&b)[2], cpx<V> (&y)[4]) {
-  radix4(a, b, y);
-}
-template <class A, class V>
-MVK_INLINE void first_butterfly(const cpx<A> (&a)[3], const cpx<V> (&b)[2], cpx<V> (&y)[5]) {
-  radix5(a, b, y);
-}
-template <class A, class V>
-MVK_INLINE void first_butterfly(const cpx<A> (&a)[3], const cpx<V> (&b)[3], cpx<V> (&y)[6]) {
-  radix6(a, b, y);
-}
-template <class A, class V>
-MVK_INLINE void first_butterfly(const cpx<A> (&a)[4], const cpx<V> (&b)[4], cpx<V> (&y)[8]) {
-  radix8(a, b, y);
-}
-
 // The transform of x, scaled or not, of a transform that runs on exchanged parts if it is an
 // inverse one. An inverse radix 8 is computed forward, on parts as they are: its bins are those
-// of the forward transform in the opposite order, and are exchanged then.
-template <bool inverse, bool scaled, int R, class V, class Butterfly>
-MVK_INLINE void transform_inputs(const cpx<V> (&x)[R], float scale, cpx<V> (&y)[R],
-                                 Butterfly butterfly) {
+// of the forward transform in the opposite order, and are exchanged then. `alone`: there is no
+// other pass.
+template <bool inverse, bool scaled, bool alone, int R, class V>
+MVK_INLINE void transform_inputs(const cpx<V> (&x)[R], float scale, cpx<V> (&y)[R]) {
   constexpr int first_half = (R + 1) / 2;
   constexpr bool mirrors = inverse && R == 8;
   const V s = scale;
@@ -123,20 +102,19 @@ MVK_INLINE void transform_inputs(const cpx<V> (&x)[R], float scale, cpx<V> (&y)[
       a[m].im = im;
     }
   });
-  if constexpr (mirrors) {
+  if constexpr (alone && R == 4)
+    four_points(a, b, z);
+  else
     butterfly(a, b, z);
-    unrolled<R>([&](auto p) {
-      y[p].re = z[(R - p) % R].im;
-      y[p].im = z[(R - p) % R].re;
-    });
-  } else {
-    butterfly(a, b, y);
-  }
+  unrolled<R>([&](auto p) {
+    y[p].re = mirrors ? z[(R - p) % R].im : z[p].re;
+    y[p].im = mirrors ? z[(R - p) % R].re : z[p].im;
+  });
 }
 
 // Rows of R bins out of the n input pairs at src.
 template <int R, bool inverse, bool scaled, class V, int G, bool split>
-MVK_PASS void first_pass(float *work, const float *src, std::size_t n, float scale) {
+[[gnu::noinline]] void first_pass(float *work, const float *src, std::size_t n, float scale) {
   const std::size_t rows = n / R;
   const auto make_rows = [=](std::size_t r) MVK_INLINED_LAMBDA {
     cpx<V> x[R], y[R];
@@ -145,9 +123,7 @@ MVK_PASS void first_pass(float *work, const float *src, std::size_t n, float sca
       x[m].re = z.lo;
       x[m].im = z.hi;
     });
-    transform_inputs<inverse, scaled>(x, scale, y,
-                                      [](const auto &a, const auto &b, auto &z)
-                                          MVK_INLINED_LAMBDA { first_butterfly(a, b, z); });
+    transform_inputs<inverse, scaled, false>(x, scale, y);
     store_rows<R, G, split>(work, r, y);
   };
   std::size_t r = 0;
@@ -190,7 +166,7 @@ struct radix4_middle {
       b[q].re = choose(x.re, t.re);
       b[q].im = choose(x.im, t.im);
     }
-    radix4({a(0), b[1]}, {b[2], b[3]}, y);
+    butterfly({a(0), b[1]}, {b[2], b[3]}, y);
   }
 };
 
@@ -206,8 +182,8 @@ MVK_INLINE void apply(const Operands &a, const Twiddles &w, cpx<V> (&y)[Butterfl
 // Makes `rows` rows out of rows of M, in groups of In and Out. In place where rows is 1 and the
 // vectors are whole groups.
 template <class Butterfly, class V, int In, int Out, bool split, bool exchange>
-MVK_PASS void later_pass(float *out, const float *in, const float *twiddles, std::size_t M,
-                         std::size_t rows) {
+[[gnu::noinline]] void later_pass(float *out, const float *in, const float *twiddles, std::size_t M,
+                                  std::size_t rows) {
   constexpr int R = Butterfly::radix;
   const auto step = [=](std::size_t r, std::size_t k, bool bin_0) MVK_INLINED_LAMBDA {
     cpx<V> y[R];
@@ -230,8 +206,8 @@ MVK_PASS void later_pass(float *out, const float *in, const float *twiddles, std
 
 // The same for M that isn't a multiple of 4, on pairs and plain twiddles.
 template <class Butterfly, bool exchange>
-MVK_PASS void later_pass_of_pairs(float *out, const float *in, const float *twiddles, std::size_t M,
-                                  std::size_t rows) {
+[[gnu::noinline]] void later_pass_of_pairs(float *out, const float *in, const float *twiddles,
+                                           std::size_t M, std::size_t rows) {
   constexpr int R = Butterfly::radix;
   for (std::size_t r = 0; r < rows; ++r)
     counted<native>(M, [&]<class V>(std::size_t k) {
@@ -247,8 +223,8 @@ MVK_PASS void later_pass_of_pairs(float *out, const float *in, const float *twid
 
 // The same for M = 4 on eight lanes, two rows at a time as the first pass has left them.
 template <class Butterfly, int Out>
-MVK_PASS void second_pass_of_twos(float *out, const float *in, const float *twiddles,
-                                  std::size_t rows) {
+[[gnu::noinline]] void second_pass_of_twos(float *out, const float *in, const float *twiddles,
+                                           std::size_t rows) {
   using V = f32x8;
   constexpr int R = Butterfly::radix;
   const grouped_twiddles<V> w{twiddles};

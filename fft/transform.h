@@ -1,4 +1,4 @@
-// Complete transforms: which radices a length has, and how its passes go to and fro.
+// Complete transforms: the passes of a length, and how they go to and fro.
 #pragma once
 
 #include <algorithm>
@@ -7,80 +7,9 @@
 #include <utility>
 
 #include "fft/passes.h"
+#include "fft/radices.h"
 
 namespace mvk {
-
-// radix4's twiddles of composite lengths are coarse, those of powers of two fine; radix8 goes
-// by its own radices and is fine throughout.
-enum class family { radix4, radix8 };
-
-// ---- Radices ------------------------------------------------------------------
-
-struct radices {
-  int length;
-  int count;
-  int of[6];  // in the order of the passes
-};
-
-inline constexpr radices radix4_radices[] = {
-    {12, 2, {4, 3}},
-    {15, 2, {5, 3}},
-    {16, 2, {4, 4}},
-    {20, 2, {4, 5}},
-    {24, 2, {8, 3}},
-    {30, 2, {6, 5}},
-    {32, 2, {8, 4}},
-    {36, 3, {4, 3, 3}},
-    {40, 2, {8, 5}},
-    {45, 3, {5, 3, 3}},
-    {48, 3, {4, 3, 4}},
-    {60, 3, {4, 5, 3}},
-    {64, 3, {4, 4, 4}},
-    {72, 3, {8, 3, 3}},
-    {80, 3, {4, 4, 5}},
-    {90, 3, {6, 3, 5}},
-    {96, 3, {8, 3, 4}},
-    {120, 3, {8, 3, 5}},
-    {128, 3, {8, 4, 4}},
-    {144, 4, {4, 3, 3, 4}},
-    {160, 3, {8, 4, 5}},
-    {180, 4, {4, 3, 3, 5}},
-    {192, 4, {4, 4, 4, 3}},
-    {240, 4, {4, 3, 4, 5}},
-    {256, 4, {4, 4, 4, 4}},
-    {288, 4, {8, 3, 3, 4}},
-    {320, 4, {4, 4, 4, 5}},
-    {360, 4, {8, 3, 3, 5}},
-    {384, 4, {8, 3, 4, 4}},
-    {480, 4, {8, 3, 4, 5}},
-    {512, 4, {8, 4, 4, 4}},
-    {576, 5, {4, 3, 3, 4, 4}},
-    {640, 4, {8, 4, 4, 5}},
-    {720, 5, {4, 3, 3, 4, 5}},
-    {768, 5, {4, 4, 4, 4, 3}},
-    {960, 5, {4, 3, 4, 4, 5}},
-    {1024, 5, {4, 4, 4, 4, 4}},
-    {2048, 5, {8, 4, 4, 4, 4}},
-    {4096, 6, {4, 4, 4, 4, 4, 4}},
-};
-
-inline constexpr radices radix8_radices[] = {
-    {64, 2, {8, 8}},         {128, 3, {8, 4, 4}},     {144, 3, {8, 6, 3}},
-    {192, 3, {8, 3, 8}},     {240, 3, {8, 6, 5}},     {256, 3, {8, 8, 4}},
-    {320, 3, {8, 5, 8}},     {384, 3, {8, 6, 8}},     {512, 3, {8, 8, 8}},
-    {576, 4, {8, 3, 3, 8}},  {720, 4, {8, 3, 6, 5}},  {768, 4, {8, 8, 3, 4}},
-    {960, 4, {8, 8, 3, 5}},  {1024, 4, {8, 8, 4, 4}}, {2048, 4, {8, 8, 8, 4}},
-    {4096, 4, {8, 8, 8, 8}},
-};
-
-template <std::size_t n>
-constexpr radices find_radices(const radices (&all)[n], int length) {
-  std::size_t i = 0;
-  while (all[i].length != length) ++i;
-  return all[i];
-}
-
-// ---- One length's passes ------------------------------------------------------
 
 template <family F, int N>
 struct plan {
@@ -158,10 +87,11 @@ inline void run_later_pass(float *out, const float *in) {
   constexpr bool tangents = F == family::radix8 && R % 4 == 0;
 
   if constexpr (tangents) {
+    constexpr int width = std::min(In, lanes<native>);
+    using V = typename vector_of<width>::type;
     using butterfly = std::conditional_t<R == 4, radix4_tangent, radix8_tangent>;
-    later_pass<butterfly, typename vector_of<std::min(In, lanes<native>)>::type, In, Out, P::split,
-               exchange>(out, in, stage_tangents<L, R, std::min(In, lanes<native>), P::split>, M,
-                         rows);
+    later_pass<butterfly, V, In, Out, P::split, exchange>(
+        out, in, stage_tangents<L, R, width, P::split>, M, rows);
   } else if constexpr (twos) {
     using butterfly = std::conditional_t<middle, radix4_middle<true>, turned_butterfly<R>>;
     second_pass_of_twos<butterfly, Out>(out, in, stage_twiddles<A, L, R, 8, false, true>, rows);
@@ -170,7 +100,7 @@ inline void run_later_pass(float *out, const float *in) {
                                                        M, rows);
   } else {
     constexpr int width = P::is_32 ? 4 : std::min(In, lanes<native>);
-    using V = vector_of<width>::type;
+    using V = typename vector_of<width>::type;
     using butterfly = std::conditional_t<middle, radix4_middle<false>, turned_butterfly<R>>;
     later_pass<butterfly, V, In, Out, P::split, exchange>(
         out, in, stage_twiddles<A, L, R, width, P::split>, M, rows);
@@ -188,7 +118,7 @@ inline void transform(float *dst, const float *src, float *scratch) {
                         : rows >= lanes<native> ? lanes<native>
                         : rows >= 4             ? 4
                                                 : 1;
-  using V = vector_of<width>::type;
+  using V = typename vector_of<width>::type;
   constexpr float scale = 1.0f / N;
 
   // The first pass can't work in place, unless it is one step, and the last one should not have
@@ -210,13 +140,7 @@ template <int N, bool inverse, bool scaled>
 inline void transform_at_once(float *dst, const float *src) {
   cpx<float> x[N], y[N];
   for (int m = 0; m < N; ++m) x[m] = {src[2 * m], src[2 * m + 1]};
-  transform_inputs<inverse, scaled>(x, 1.0f / N, y,
-                                    [](const auto &a, const auto &b, auto &z) MVK_INLINED_LAMBDA {
-                                      if constexpr (N == 4)
-                                        four_points(a, b, z);
-                                      else
-                                        first_butterfly(a, b, z);
-                                    });
+  transform_inputs<inverse, scaled, true>(x, 1.0f / N, y);
   for (int p = 0; p < N; ++p) store_elements<1>(dst, p, exchanged_if<inverse>(y[p]));
 }
 
