@@ -1,19 +1,16 @@
 // Fourier transforms beside FFTW and KissFFT: complex ones of both families, and real ones.
 // A "sample" is a point of a complex transform and a sample of a real one.
-#include <algorithm>
-#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <memory>
 #include <string>
+#include <utility>
+#include <vector>
 
-#include "bench/kernels.h"
+#include "bench/transforms.h"
 #include "mvk_fft.h"
 
-#ifdef MVK_BENCH_FFTW
-#include <fftw3.h>
-#endif
 #ifdef MVK_BENCH_KISSFFT
 #include <kiss_fft.h>
 #include <kiss_fftr.h>
@@ -21,40 +18,11 @@
 
 namespace {
 
-// From src to dst, n floats each. src may be overwritten.
-using transform = std::function<void(float *dst, float *src)>;
-
-// Times batches of transforms over prepared inputs, which fill half of a first cache of 32 KiB
-// as far as they fit, and are made anew between the batches.
-void enroll(const std::string &name, std::size_t floats, std::size_t samples,
-            std::function<transform()> make) {
-  benchmark::RegisterBenchmark(
-      name.c_str(),
-      [=](benchmark::State &state) {
-        const std::size_t step = (floats + 15) & ~std::size_t{15};  // whole cache lines
-        const std::size_t batch = std::max<std::size_t>(4, 4096 / step);
-        const bench::placed<float> prepared = bench::noise(batch * step, 1);
-        bench::placed<float> inputs(batch * step), output(step);
-        const transform run = make();
-        std::size_t done = 0;
-        for (auto _ : state) {
-          std::copy_n(prepared.data(), prepared.size(), inputs.data());
-          benchmark::ClobberMemory();
-          const auto start = std::chrono::steady_clock::now();
-          for (std::size_t i = 0; i < batch; ++i) {
-            run(output.data(), inputs.data() + i * step);
-            benchmark::ClobberMemory();
-          }
-          const std::chrono::duration<double> time = std::chrono::steady_clock::now() - start;
-          state.SetIterationTime(time.count());
-          done += batch * samples;
-        }
-        using benchmark::Counter;
-        state.counters["per_sample"] =
-            Counter(static_cast<double>(done), Counter::kIsRate | Counter::kInvert);
-      })
-      ->UseManualTime();
-}
+#ifdef MVK_BENCH_FFTW
+using bench::of_fftw;
+#endif
+using bench::transform;
+using maker = std::function<transform()>;
 
 // ---- Complex ------------------------------------------------------------------
 
@@ -63,14 +31,6 @@ transform of_kernel(mvk_fft_kernel *kernel, uint32_t n) {
 }
 
 #ifdef MVK_BENCH_FFTW
-// Planned patiently, for arrays at any cache line.
-template <class Plan>
-transform of_fftw(std::size_t floats, Plan make_plan) {
-  bench::placed<float> src(floats), dst(floats);
-  const std::shared_ptr<fftwf_plan_s> plan(make_plan(src.data(), dst.data()), fftwf_destroy_plan);
-  return [plan, make_plan](float *out, float *in) { make_plan.run(plan.get(), in, out); };
-}
-
 fftwf_complex *as_complex(float *x) { return reinterpret_cast<fftwf_complex *>(x); }
 
 struct fftw_complex_forward {
@@ -96,14 +56,13 @@ struct fftw_real_forward {
 };
 #endif
 
-void enroll_complex(uint32_t n) {
-  const std::string name = "fft/" + std::to_string(n) + "/";
-  const auto contender = [&](const char *who, std::function<transform()> make) {
-    enroll(name + who, 2 * n, n, make);
+void enroll_complex(const std::string &family, uint32_t n,
+                    const std::vector<std::pair<std::string, maker>> &own) {
+  const std::string name = family + "/" + std::to_string(n) + "/";
+  const auto contender = [&](const std::string &who, const maker &make) {
+    bench::enroll_batches(name + who, 2 * n, n, make);
   };
-  contender("library:radix4", [n] { return of_kernel(MVK_r4_cplx_fwd_unscaled(n), n); });
-  if (MVK_r8_cplx_fwd_pair(n))
-    contender("library:radix8", [n] { return of_kernel(MVK_r8_cplx_fwd_pair(n)->unscaled, n); });
+  for (const auto &[form, make] : own) contender("library" + form, make);
 #ifdef MVK_BENCH_FFTW
   contender("fftw", [n] { return of_fftw(2 * n, fftw_complex_forward{static_cast<int>(n)}); });
 #endif
@@ -119,13 +78,22 @@ void enroll_complex(uint32_t n) {
 #endif
 }
 
+// Both families, of which the report takes the better.
+void enroll_best(const std::string &family, uint32_t n) {
+  std::vector<std::pair<std::string, maker>> own = {
+      {":radix4", [n] { return of_kernel(MVK_r4_cplx_fwd_unscaled(n), n); }}};
+  if (MVK_r8_cplx_fwd_pair(n))
+    own.push_back({":radix8", [n] { return of_kernel(MVK_r8_cplx_fwd_pair(n)->unscaled, n); }});
+  enroll_complex(family, n, own);
+}
+
 // ---- Real ---------------------------------------------------------------------
 
 // `n` samples through the front end. The packed spectrum has no pair beyond them, FFTW's has.
 void enroll_real(uint32_t n) {
   const std::string name = "real-fft/" + std::to_string(n) + "/";
   const auto contender = [&](const char *who, std::function<transform()> make) {
-    enroll(name + who, n + 2, n, make);
+    bench::enroll_batches(name + who, n + 2, n, make);
   };
   contender("library", [n] {
     struct engine {
@@ -134,8 +102,7 @@ void enroll_real(uint32_t n) {
     };
     const auto e = std::make_shared<engine>();
     e->state = MVK_fft_init(e->memory, n / 2, MVK_FFT_CLFWD_UNSCALEDL);
-    return transform(
-        [e](float *dst, float *src) { MVK_fft_CLfwd_unscaledL(e->state, dst, src); });
+    return transform([e](float *dst, float *src) { MVK_fft_CLfwd_unscaledL(e->state, dst, src); });
   });
 #ifdef MVK_BENCH_FFTW
   contender("fftw", [n] { return of_fftw(n + 2, fftw_real_forward{static_cast<int>(n)}); });
@@ -152,9 +119,13 @@ void enroll_real(uint32_t n) {
 }
 
 const bool enrolled = [] {
-  for (uint32_t n = 32; n <= 4096; n *= 2) enroll_complex(n);
+  for (uint32_t n = 64; n <= 4096; n *= 2) {
+    enroll_best("fft", n);
+    enroll_complex("fft-exact", n,
+                   {{"", [n] { return of_kernel(MVK_r4_cplx_fwd_unscaled(n), n); }}});
+  }
   for (const uint32_t n : mvk_non_power_two_lengths)
-    if (n >= 48) enroll_complex(n);
+    if (n >= 48) enroll_best("fft-composite", n);
   for (uint32_t n = 256; n <= 4096; n *= 2) enroll_real(n);
   return true;
 }();

@@ -55,6 +55,10 @@
 #include <cmath>
 #include <cstdint>
 
+// What works on vectors is inlined, whole: passed in memory, they would be lost.
+#define MVK_INLINE [[gnu::always_inline]] inline
+#define MVK_INLINED_LAMBDA __attribute__((always_inline))
+
 namespace mvk {
 
 // The two halves of what a pair of vectors is rearranged into.

@@ -9,9 +9,31 @@
 // state of the art", Signal Processing 19(4), 1990.
 #pragma once
 
-#include "fft/complex.h"
+#include "core/complex.h"
 
 namespace mvk {
+
+// An input x that is yet to be scaled by s: where it joins a sum the product is fused.
+template <class V>
+struct unscaled {
+  V x, s;
+};
+template <class V>
+MVK_INLINE V operator+(unscaled<V> a, V b) {
+  return fma(a.x, a.s, b);
+}
+template <class V>
+MVK_INLINE V operator+(V a, unscaled<V> b) {
+  return fma(b.x, b.s, a);
+}
+template <class V>
+MVK_INLINE V operator-(unscaled<V> a, V b) {
+  return fnms(a.x, a.s, b);
+}
+template <class V>
+MVK_INLINE V operator-(V a, unscaled<V> b) {
+  return fms(b.x, b.s, a);
+}
 
 inline constexpr float sqrt_half = 0x1.6a09e6p-1f;     // 0.70710677
 inline constexpr float sin_third = 0x1.bb67aep-1f;     // sin(2 pi / 3)

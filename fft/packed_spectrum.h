@@ -8,8 +8,7 @@
 
 #include <cstddef>
 
-#include "fft/complex.h"
-#include "fft/work_area.h"
+#include "core/complex.h"
 
 namespace mvk {
 
@@ -97,27 +96,22 @@ struct from_spectrum {
 
 // ---- All bins -----------------------------------------------------------------
 
-template <class V>
-inline cpx<V> reversed(cpx<V> z) {
-  return {reverse(z.re), reverse(z.im)};
-}
-
 // z has n pairs, n a power of two from 2 on; sine[k - 1] = sin(pi k / n) for k below n / 2.
 template <class Conversion>
 inline void convert_bins(float *z, std::size_t n, const float *sine) {
   const auto convert = [=]<class V>(std::size_t k, V) {
     const std::size_t m = n - k - (lanes<V> - 1);
-    const bin_pair<V> bins = {load_elements<V, 1>(z, k), reversed(load_elements<V, 1>(z, m))};
+    const bin_pair<V> bins = {load_complex<V>(z + 2 * k), reversed(load_complex<V>(z + 2 * m))};
     const V s = load<V>(sine + k - 1), c = reverse(load<V>(sine + n / 2 - k - lanes<V>));
     return Conversion::pair(bins, s, c);
   };
   const auto store_bins = [=]<class V>(std::size_t k, bin_pair<V> x) {
-    store_elements<1>(z, k, x.k);
-    store_elements<1>(z, n - k - (lanes<V> - 1), reversed(x.m));
+    store_complex(z + 2 * k, x.k);
+    store_complex(z + 2 * (n - k - (lanes<V> - 1)), reversed(x.m));
   };
 
   const auto convert_one = [=](std::size_t k, auto conversion) {
-    store_elements<1>(z, k, conversion(load_elements<float, 1>(z, k)));
+    store_complex(z + 2 * k, conversion(load_complex<float>(z + 2 * k)));
   };
   convert_one(0, Conversion::ends);
   convert_one(n / 2, Conversion::middle);

@@ -4,8 +4,8 @@
 
 #include <cstddef>
 
+#include "core/complex.h"
 #include "core/tables.h"
-#include "fft/complex.h"
 
 namespace mvk {
 

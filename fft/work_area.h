@@ -8,10 +8,20 @@
 
 #include <cstddef>
 
+#include "core/complex.h"
 #include "core/loop.h"
-#include "fft/complex.h"
 
 namespace mvk {
+
+// j times the conjugate. An inverse transform is the forward one between two of these.
+template <class V>
+MVK_INLINE cpx<V> exchanged(cpx<V> z) {
+  return {z.im, z.re};
+}
+template <bool inverse, class V>
+MVK_INLINE cpx<V> exchanged_if(cpx<V> z) {
+  return inverse ? exchanged(z) : z;
+}
 
 template <int G>
 constexpr std::size_t offset_of(std::size_t e) {
@@ -22,8 +32,7 @@ constexpr std::size_t offset_of(std::size_t e) {
 template <class V, int G>
 MVK_INLINE cpx<V> load_elements(const float *work, std::size_t e) {
   if constexpr (G == 1) {
-    const auto [re, im] = load_split_pairs<V>(work + 2 * e);
-    return {natural_order(re), natural_order(im)};
+    return load_complex<V>(work + 2 * e);
   } else {
     const float *p = work + (G == lanes<V> ? 2 * e : offset_of<G>(e));
     return {load_once<V>(p), load_once<V>(p + G)};
@@ -32,7 +41,7 @@ MVK_INLINE cpx<V> load_elements(const float *work, std::size_t e) {
 template <int G, class V>
 MVK_INLINE void store_elements(float *work, std::size_t e, cpx<V> z) {
   if constexpr (G == 1) {
-    store_interleaved(work + 2 * e, z.re, z.im);
+    store_complex(work + 2 * e, z);
   } else {
     float *p = work + (G == lanes<V> ? 2 * e : offset_of<G>(e));
     store(p, z.re);

@@ -9,6 +9,8 @@ namespace mvk {
 /* Each adds its subcommand, whose callback does the work and throws a Failure
  * if it can't. */
 void add_resample(CLI::App &program);
+void add_limit(CLI::App &program);
+void add_spectrum(CLI::App &program);
 void add_info(CLI::App &program);
 void add_compare(CLI::App &program);
 

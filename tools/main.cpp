@@ -13,6 +13,8 @@ namespace {
 constexpr const char *kFooter =
     "Examples:\n"
     "  mvk resample speech.wav speech-96k.wav --rate 96000\n"
+    "  mvk limit speech.wav loud.wav --peak -1dB --boost 12dB\n"
+    "  mvk spectrum speech.wav speech.png\n"
     "  mvk compare speech.wav other.wav\n"
     "  mvk info\n\n"
     "'mvk COMMAND --help' tells more about a command. The exit code is 0 on success,\n"
@@ -35,6 +37,8 @@ int run(int argc, char **argv) {
   program.require_subcommand(1);
   program.footer(kFooter);
   mvk::add_resample(program);
+  mvk::add_limit(program);
+  mvk::add_spectrum(program);
   mvk::add_info(program);
   mvk::add_compare(program);
   try {

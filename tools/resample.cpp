@@ -10,11 +10,9 @@
 #include "audio_output.h"
 #include "commands.h"
 #include "component.h"
-#include "format_choice.h"
-#include "formats.h"
 #include "messages.h"
-#include "metadata.h"
 #include "progress.h"
+#include "transfer.h"
 
 namespace mvk {
 namespace {
@@ -22,13 +20,9 @@ namespace {
 constexpr int kMostChannels = 35;
 
 struct Options {
-  std::string in;
-  std::string out;
+  FileOptions files;
   int rate = 0;
   bool keep_latency = false;
-  std::string format;
-  std::string library;
-  bool quiet = false;
 };
 
 // The rates that a file of `rate` can be brought to, as text.
@@ -67,7 +61,7 @@ sf_count_t frames_after(Conversion conversion, sf_count_t frames) {
 // last input sample has come out, and leaves out the first `drop` output frames.
 template <typename Sample>
 void run(const AudioInput &input, Conversion conversion, Resampler &resampler, AudioOutput &output,
-         sf_count_t drop, Progress &progress) {
+         sf_count_t drop, Progress progress) {
   constexpr std::size_t kBlocks = 64;  // at a time, to call libsndfile less often
   const auto channels = static_cast<std::size_t>(input.info.channels);
   const std::size_t block_in = block_frames_in(conversion) * channels;
@@ -104,63 +98,32 @@ void run(const AudioInput &input, Conversion conversion, Resampler &resampler, A
   }
 }
 
-void report_limits(const AudioOutput &output) {
-  if (output.limited() > 0) {
-    complain("note: " + std::to_string(output.limited()) +
-             " samples lay beyond full scale and were limited to it; --format float keeps them");
-  }
-  if (output.at_full_scale() > 0) {
-    complain("note: " + std::to_string(output.at_full_scale()) +
-             " samples lie at full scale and may have been limited to it; "
-             "--format float keeps what lies beyond");
-  }
-}
-
 void resample(const Options &options) {
-  const AudioInput input = open_audio(options.in);
-  if (input.info.channels > kMostChannels) {
-    fail(input.name + " has " + std::to_string(input.info.channels) + " channels; at most " +
+  const AudioInput input = open_audio(options.files.in);
+  const int channels = input.info.channels;
+  if (channels > kMostChannels) {
+    fail(input.name + " has " + std::to_string(channels) + " channels; at most " +
          std::to_string(kMostChannels) + " can be resampled");
   }
   const Conversion conversion = conversion_between(input.info.samplerate, options.rate, input.name);
-  SF_INFO info{};
-  info.samplerate = options.rate;
-  info.channels = input.info.channels;
-  info.format = choose_format(input.info.format, options.format, options.out, info);
-  const bool known_length = input.info.frames != SF_COUNT_MAX;
-  if (known_length) check_size(info, frames_after(conversion, input.info.frames), options.out);
+  const Library library(options.files.library);
+  Resampler resampler(library.component(), conversion, input.info.samplerate, channels);
+  const sf_count_t frames = has_length(input) ? frames_after(conversion, input.info.frames) : 0;
+  Transfer transfer(input, options.files, options.rate, frames, "resampled");
+  const auto progress = [&] { return progress_through(input, options.files, "resampling"); };
 
-  const Library library(options.library);
-  Resampler resampler(library.component(), conversion, input.info.samplerate, info.channels);
-  OutputFile file(options.out);
-  AudioOutput output(file, info, options.out);
-  carry_tags(input.file.get(), output.sndfile());
-  const bool map_carried =
-      carry_channel_map(input.file.get(), output.sndfile(), input.info.channels);
-  if (!options.quiet && !map_carried && info.channels > 2) {
-    complain("note: " + format_name(info.format) +
-             " can't hold this layout of channels; they keep their order");
-  }
-  if (!options.quiet && ends_early(input)) {
-    complain("note: " + input.name +
-             " ends before the length in its header; what is there gets resampled");
-  }
-
-  Progress progress("mvk: resampling", known_length ? static_cast<uint64_t>(input.info.frames) : 0,
-                    !options.quiet);
   const sf_count_t drop = options.keep_latency ? 0 : static_cast<sf_count_t>(latency(conversion));
   const auto is_16_bit = [](int format) {
     return (format & SF_FORMAT_SUBMASK) == SF_FORMAT_PCM_16;
   };
   // The component's 16-bit samples are right for one channel only.
-  if (info.channels == 1 && is_16_bit(input.info.format) && is_16_bit(info.format)) {
-    run<short>(input, conversion, resampler, output, drop, progress);
+  if (channels == 1 && is_16_bit(input.info.format) && is_16_bit(transfer.format())) {
+    run<short>(input, conversion, resampler, transfer.output(), drop, progress());
   } else {
-    run<float>(input, conversion, resampler, output, drop, progress);
+    run<float>(input, conversion, resampler, transfer.output(), drop, progress());
   }
-  output.finish();
-  file.commit();
-  if (!options.quiet) report_limits(output);
+  transfer.commit();
+  transfer.report_limits();
 }
 
 }  // namespace
@@ -169,31 +132,22 @@ void add_resample(CLI::App &program) {
   auto options = std::make_shared<Options>();
   CLI::App *command =
       program.add_subcommand("resample", "Change the rate of an audio file by 2, 4, 1/2 or 1/4");
-  command->add_option("IN", options->in, "Audio to read; - is standard input")->required();
-  command->add_option("OUT", options->out, "File to write; - is standard output")->required();
+  add_files(*command, options->files);
   command->add_option("-r,--rate", options->rate, "Rate of OUT")
       ->type_name("HZ")
       ->check(CLI::Range(1, std::numeric_limits<int>::max()).description(""))
       ->required();
   command->add_flag("--keep-latency", options->keep_latency,
                     "Keep the filter's delay; otherwise OUT lines up with IN");
-  command
-      ->add_option("-f,--format", options->format,
-                   "CONTAINER, SAMPLES or CONTAINER:SAMPLES, see below")
-      ->type_name("F");
-  command->add_option("--library", options->library, "The resampler's shared library")
-      ->type_name("PATH");
-  command->add_flag("-q,--quiet", options->quiet, "No progress and no notes");
+  add_file_options(*command, options->files);
   command->footer(
       "Examples:\n"
       "  mvk resample speech.wav speech-96k.wav --rate 96000\n"
       "  mvk resample music.flac music.ogg --rate 48000\n"
       "  mvk resample take.wav take.wav --rate 24000\n"
       "  mvk resample a.wav b.w64 --rate 192000 --format float\n"
-      "  arecord -q -f cd -d 9 | mvk resample - - --rate 22050 | aplay -q\n\n"
-      "Without --format the suffix of OUT decides, and then the format of IN. Samples\n"
-      "that a container doesn't hold become the nearest that it does.\n\n" +
-      format_help());
+      "  arecord -q -f cd -d 9 | mvk resample - - --rate 22050 | aplay -q\n\n" +
+      file_options_help());
   command->callback([options] { resample(*options); });
 }
 

@@ -1,0 +1,41 @@
+// Complex numbers, one or one in every lane.
+#pragma once
+
+#include "core/simd.h"
+
+namespace mvk {
+
+template <class V>
+struct cpx {
+  V re, im;
+};
+template <class V>
+cpx(V, V) -> cpx<V>;
+
+template <class A, class B>
+MVK_INLINE auto operator+(cpx<A> a, cpx<B> b) {
+  return cpx{a.re + b.re, a.im + b.im};
+}
+template <class A, class B>
+MVK_INLINE auto operator-(cpx<A> a, cpx<B> b) {
+  return cpx{a.re - b.re, a.im - b.im};
+}
+
+// As many pairs of memory as V has lanes, real part first.
+template <class V>
+MVK_INLINE cpx<V> load_complex(const float *p) {
+  const halves<V> z = load_split_pairs<V>(p);
+  return {natural_order(z.lo), natural_order(z.hi)};
+}
+template <class V>
+MVK_INLINE void store_complex(float *p, cpx<V> z) {
+  store_interleaved(p, z.re, z.im);
+}
+
+// Lanes in reverse order.
+template <class V>
+MVK_INLINE cpx<V> reversed(cpx<V> z) {
+  return {reverse(z.re), reverse(z.im)};
+}
+
+}  // namespace mvk

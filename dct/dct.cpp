@@ -1,0 +1,257 @@
+// Cosine transforms of types II and III.
+//
+// Even samples ascending and odd ones descending make a sequence whose complex transform, of
+// pairs, holds the cosine transform: Z[k] and Z[H - k] split into the spectrum of the real
+// sequence, which a rotation by a quarter of a bin turns into the bins k, H - k, H + k and
+// N - k. The type III goes the other way.
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+
+#include "core/complex.h"
+#include "core/loop.h"
+#include "mvk_dct.h"
+
+using namespace mvk;
+
+namespace {
+
+// Lanes at p, p + 1 and so on, and at p, p - 1 and so on.
+template <class V>
+MVK_INLINE V ascending(const float *p) {
+  return load<V>(p);
+}
+template <class V>
+MVK_INLINE V descending(const float *p) {
+  return reverse(load<V>(p - (lanes<V> - 1)));
+}
+template <class V>
+MVK_INLINE void store_descending(float *p, V a) {
+  store(p - (lanes<V> - 1), reverse(a));
+}
+
+template <class V>
+MVK_INLINE cpx<V> load_descending(const float *p) {
+  return reversed(load_complex<V>(p - 2 * (lanes<V> - 1)));
+}
+
+// Lanes p, p + 4 and so on; what lies between them is read.
+template <class V>
+MVK_INLINE V every_fourth(const float *p) {
+  if constexpr (lanes<V> == 1) {
+    return *p;
+  } else {
+    const auto every_second = [](V a, V b) MVK_INLINED_LAMBDA {
+      return natural_order(split_pairs(a, b).lo);
+    };
+    return every_second(every_second(load<V>(p), load<V>(p + lanes<V>)),
+                        every_second(load<V>(p + 2 * lanes<V>), load<V>(p + 3 * lanes<V>)));
+  }
+}
+
+// Calls body.operator()<V>(k) for vectors of k from first to last - 1, the last ones of which
+// may be done twice: what is read is never written.
+template <class Body>
+void cover(std::size_t first, std::size_t last, Body body) {
+  const auto with = [&]<class V>(V) {
+    std::size_t k = first;
+    for (; k + lanes<V> <= last; k += lanes<V>) body.template operator()<V>(k);
+    if (k < last) body.template operator()<V>(last - lanes<V>);
+  };
+  if (last - first >= std::size_t{lanes<native>})
+    with(native{});
+  else if (last - first >= 4)
+    with(f32x4{});
+  else
+    with(float{});
+}
+
+// The lengths of a transform, and its table t[k] = sin(pi k / (2 N)).
+struct lengths {
+  std::size_t N, H, Q;
+  const float *t;
+
+  lengths(std::uint32_t n, const float *twiddle) : N(n), H(n / 2), Q(n / 4), t(twiddle) {}
+};
+
+// Sines and cosines of k and of 4 k.
+template <class V>
+struct angles {
+  V s, c;
+};
+template <class V>
+MVK_INLINE angles<V> of_k(const lengths &l, std::size_t k) {
+  return {ascending<V>(l.t + k), descending<V>(l.t + l.N - k)};
+}
+// Of H - k.
+template <class V>
+MVK_INLINE angles<V> of_mirrored_k(const lengths &l, std::size_t k) {
+  return {descending<V>(l.t + l.H - k), ascending<V>(l.t + l.H + k)};
+}
+template <class V>
+MVK_INLINE angles<V> of_4k(const lengths &l, std::size_t k) {
+  return {every_fourth<V>(l.t + 4 * k),
+          reverse(every_fourth<V>(l.t + l.N - 4 * k - 4 * (lanes<V> - 1)))};
+}
+
+// Parts of Z[k] and Z[H - k] that the two steps between a complex and a real spectrum share:
+// half their sum and half their difference, the latter turned.
+template <class V>
+struct parts {
+  V S, D, u, v;
+
+  MVK_INLINE parts(cpx<V> a, cpx<V> b, angles<V> w) : S(a.re + b.re), D(a.im - b.im) {
+    const V P = (b.re - a.re) * V(0.5f), Q = (a.im + b.im) * V(0.5f);
+    u = fms(w.c, P, w.s * Q);
+    v = fma(w.c, Q, w.s * P);
+  }
+  MVK_INLINE V half_sum_and_v() const { return fma(S, V(0.5f), v); }
+  MVK_INLINE V half_sum_less_v() const { return fnms(S, V(0.5f), v); }
+  MVK_INLINE V u_and_half_difference() const { return fma(D, V(0.5f), u); }
+  MVK_INLINE V u_less_half_difference() const { return fms(D, V(0.5f), u); }
+};
+
+void run(mvk_fft_kernel *kernel, float *dst, float *src, std::size_t n) {
+  if (kernel) kernel(dst, src, static_cast<std::uint32_t>(n));
+}
+
+// ---- Type II ------------------------------------------------------------------
+
+// Even samples ascending, odd ones descending.
+void fold(float *z, const float *x, const lengths &l) {
+  if (l.H < 2) return;
+  counted<native>(2 * l.Q, [=, N = l.N]<class V>(std::size_t j) {
+    if constexpr (lanes<V> == 1) {
+      z[j] = x[2 * j];
+      z[N - 1 - j] = x[2 * j + 1];
+    } else {
+      const auto [even, odd] = deinterleave(load<V>(x + 2 * j), load<V>(x + 2 * j + lanes<V>));
+      store(z + j, even);
+      store_descending(z + N - 1 - j, odd);
+    }
+  });
+}
+
+// Bins k and N - k of Z[k].
+template <bool scaled, class V>
+struct rotated {
+  V bin, mirrored;
+
+  MVK_INLINE rotated(V re, V im, angles<V> w)
+      : bin(fms(w.s, im, w.c * re)), mirrored(fma(w.s, re, w.c * im)) {
+    if constexpr (scaled) {
+      bin = bin * V(0.5f);
+      mirrored = mirrored * V(0.5f);
+    }
+  }
+};
+
+template <bool scaled>
+void split_and_rotate(float *y, const float *z, const lengths &l) {
+  const float h = scaled ? 0.5f : 1.0f;
+  y[0] = h * z[0] + h * z[1];
+  y[l.H] = (h * z[0] - h * z[1]) * l.t[l.H];
+  if (l.Q > 1)
+    cover(1, l.Q, [=]<class V>(std::size_t k) {
+      const cpx<V> a = load_complex<V>(z + 2 * k), b = load_descending<V>(z + 2 * (l.H - k));
+      const parts<V> p(a, b, of_4k<V>(l, k));
+      const rotated<scaled, V> low(p.half_sum_and_v(), p.u_less_half_difference(), of_k<V>(l, k));
+      const rotated<scaled, V> high(p.half_sum_less_v(), p.u_and_half_difference(),
+                                    of_mirrored_k<V>(l, k));
+      store(y + k, low.bin);
+      store_descending(y + l.N - k, low.mirrored);
+      store_descending(y + l.H - k, high.bin);
+      store(y + l.H + k, high.mirrored);
+    });
+  // What has no partner: k = Q.
+  for (std::size_t k = l.Q < 1 ? 1 : l.Q; k + l.Q <= l.H && k < l.H; ++k) {
+    const rotated<scaled, float> r(z[2 * k], z[2 * k + 1], of_k<float>(l, k));
+    y[k] = r.bin;
+    y[l.N - k] = r.mirrored;
+  }
+}
+
+// ---- Type III -----------------------------------------------------------------
+
+template <class V>
+MVK_INLINE cpx<V> rotate_back(V x, V mirrored, angles<V> w) {
+  return {fma(w.c, x, w.s * mirrored) * V(0.5f), fms(w.s, x, w.c * mirrored) * V(0.5f)};
+}
+
+// The spectrum, its bins in reversed order, so that a forward transform is the inverse one.
+void rotate_and_merge(float *z, const float *x, const lengths &l) {
+  const float g = 0.5f * (x[l.H] * l.t[l.H]);
+  z[0] = g + 0.5f * x[0];
+  z[1] = 0.5f * x[0] - g;
+  if (l.Q > 1)
+    cover(1, l.Q, [=]<class V>(std::size_t k) {
+      const cpx<V> a = rotate_back(ascending<V>(x + k), descending<V>(x + l.N - k), of_k<V>(l, k));
+      const cpx<V> b = rotate_back(descending<V>(x + l.H - k), ascending<V>(x + l.H + k),
+                                   of_mirrored_k<V>(l, k));
+      const parts<V> p(a, b, of_4k<V>(l, k));
+      store_interleaved(z + 2 * k, p.half_sum_less_v(), p.u_and_half_difference());
+      store_interleaved(z + 2 * (l.H - k - (lanes<V> - 1)), reverse(p.half_sum_and_v()),
+                        reverse(p.u_less_half_difference()));
+    });
+  for (std::size_t k = l.Q < 1 ? 1 : l.Q; k + l.Q <= l.H && k < l.H; ++k) {
+    const cpx<float> w = rotate_back(x[k], x[l.N - k], of_k<float>(l, k));
+    z[2 * k] = w.re;
+    z[2 * k + 1] = w.im;
+  }
+}
+
+void unfold(float *y, const float *z, const lengths &l) {
+  counted<native>(2 * l.Q, [=, N = l.N]<class V>(std::size_t j) {
+    store_interleaved(y + 2 * j, ascending<V>(z + j), descending<V>(z + N - 1 - j));
+  });
+}
+
+// ---- In place -----------------------------------------------------------------
+
+using transform = void(const mvk_fft_pair *, const float *, float *, float *, std::uint32_t);
+
+void in_place(transform *f, const mvk_fft_pair *pair, const float *twiddle, float *data,
+              std::uint32_t n) {
+  alignas(32) float copy[2048];
+  std::memcpy(copy, data, n * sizeof *data);
+  f(pair, twiddle, data, copy, n);
+}
+
+}  // namespace
+
+void mvk_dctII_scaled(const mvk_fft_pair *pair, const float *twiddle, float *out, float *in,
+                      uint32_t n) {
+  const lengths l(n, twiddle);
+  fold(out, in, l);
+  run(pair ? pair->scaled : MVK_r4_cplx_fwd_scaled(n / 2), in, out, l.H);
+  split_and_rotate<true>(out, in, l);
+}
+
+void mvk_dctII_unscaled(const mvk_fft_pair *pair, const float *twiddle, float *out, float *in,
+                        uint32_t n) {
+  const lengths l(n, twiddle);
+  fold(out, in, l);
+  run(pair ? pair->unscaled : MVK_r4_cplx_fwd_unscaled(n / 2), in, out, l.H);
+  split_and_rotate<false>(out, in, l);
+}
+
+void mvk_dctIII_scaled(const mvk_fft_pair *pair, const float *twiddle, float *out, float *in,
+                       uint32_t n) {
+  const lengths l(n, twiddle);
+  rotate_and_merge(out, in, l);
+  run(pair ? pair->scaled : MVK_r4_cplx_fwd_scaled(n / 2), in, out, l.H);
+  unfold(out, in, l);
+}
+
+void _mvk_ldct2_scaled_iplu(const mvk_fft_pair *pair, const float *twiddle, float *data,
+                            uint32_t n) {
+  in_place(mvk_dctII_scaled, pair, twiddle, data, n);
+}
+void _mvk_ldct2_unscaled_iplu(const mvk_fft_pair *pair, const float *twiddle, float *data,
+                              uint32_t n) {
+  in_place(mvk_dctII_unscaled, pair, twiddle, data, n);
+}
+void _mvk_ldct3_scaled_iplu(const mvk_fft_pair *pair, const float *twiddle, float *data,
+                            uint32_t n) {
+  in_place(mvk_dctIII_scaled, pair, twiddle, data, n);
+}

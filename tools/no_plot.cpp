@@ -1,0 +1,14 @@
+/* In place of plot.cpp where cairo isn't installed. */
+#include "messages.h"
+#include "plot.h"
+
+namespace mvk {
+
+void require_pictures(const std::string &path) {
+  refuse("this mvk was built without cairo and can't draw " + path +
+         "; name a .csv file, or install libcairo2-dev and build it again");
+}
+
+void draw(const HeatMap &, OutputFile &, const std::string &path) { require_pictures(path); }
+
+}  // namespace mvk
