@@ -30,6 +30,9 @@
 //   natural_order(v)             from that order of lanes to the order in memory; it
 //                                is its own inverse
 //   load_split_pairs<V>(p)             split_pairs of the pairs at p, as many as lanes
+//   load_next<V>(p),             {v0 v1 ...} and what follows, from or to p, which moves on
+//   store_next(p, a, b),         behind them
+//   store_interleaved_next(p, e, o)
 //   store_interleaved(p, e, o)         {e0 o0 e1 o1 ...} to p
 //   transpose_fours(rows)        transposes four rows, in each half of an eight-lane one
 //   with_lane0(a, b)             b with lane 0 of a; with_lanes04: and lane 4
@@ -45,7 +48,9 @@
 //                                rounding; wide<V> has * / and W(x)
 //   lower(v), upper(v), sum(w)   halves of a vector; w[0] + w[1] of an f64x2
 //
-// `native` is the widest vector that is one register.
+// `native` is the widest vector that is one register. Of the processor, fma_overwrites_addend
+// says that a fused operation does so, and pointers_move_on that loads and stores can move
+// their pointers on, and that there are pointers enough for each operand to have one.
 //
 // (The names fms and fnms are the equations' own: x86's fmsub is fnms here and
 // its fnmadd is fms.)
@@ -71,6 +76,8 @@ template <class V>
 V load(const float *p);
 template <class V>
 halves<V> load_split_pairs(const float *p);
+template <class V>
+halves<V> load_next(const float *&p);
 
 template <class V>
 inline constexpr int split_lane[] = {0, 1, 2, 3, 4, 5, 6, 7};
@@ -106,6 +113,24 @@ inline V load_once(const float *p) {
   return load<V>(p);
 }
 #endif
+
+template <class V>
+MVK_INLINE halves<V> load_next(const float *&p) {
+  const halves<V> z = {load<V>(p), load<V>(p + lanes<V>)};
+  p += 2 * lanes<V>;
+  return z;
+}
+template <class V>
+MVK_INLINE void store_next(float *&p, V a, V b) {
+  store(p, a);
+  store(p + lanes<V>, b);
+  p += 2 * lanes<V>;
+}
+template <class V>
+MVK_INLINE void store_interleaved_next(float *&p, V even, V odd) {
+  store_interleaved(p, even, odd);
+  p += 2 * lanes<V>;
+}
 
 inline void transpose_fours(f32x4 (&rows)[4]) { transpose(rows); }
 

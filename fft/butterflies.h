@@ -228,6 +228,57 @@ struct radix6_turned {
   }
 };
 
+// The same transforms with the twiddle products finished first, in the fewest operations that
+// don't fuse: for a processor whose fused ones would need copies, where rounding is free.
+template <class V>
+MVK_INLINE void sum_and_difference(cpx<V> a, cpx<V> b, cpx<V> &sum, cpx<V> &difference) {
+  sum = a + b;
+  difference = a - b;
+}
+// With -j b for b.
+template <class V>
+MVK_INLINE void sum_and_difference_j(cpx<V> a, cpx<V> b, cpx<V> &sum, cpx<V> &difference) {
+  sum = {a.re + b.im, a.im - b.re};
+  difference = {a.re - b.im, a.im + b.re};
+}
+template <class V>
+MVK_INLINE void four_plain(cpx<V> a0, cpx<V> a1, cpx<V> a2, cpx<V> a3, cpx<V> (&y)[4]) {
+  cpx<V> s, d, t, e;
+  sum_and_difference(a0, a2, s, d);
+  sum_and_difference(a1, a3, t, e);
+  sum_and_difference(s, t, y[0], y[2]);
+  sum_and_difference_j(d, e, y[1], y[3]);
+}
+
+struct radix4_plain {
+  static constexpr int radix = 4, twiddles = 3;
+
+  template <class V, class Operands, class Twiddles>
+  MVK_INLINE static void apply(const Operands &a, const Twiddles &w, cpx<V> (&y)[4]) {
+    const auto b = [&](int q) MVK_INLINED_LAMBDA { return turned(a(q), w(q)); };
+    four_plain(a(0), b(1), b(2), b(3), y);
+  }
+};
+
+struct radix8_plain {
+  static constexpr int radix = 8, twiddles = 7;
+
+  template <class V, class Operands, class Twiddles>
+  MVK_INLINE static void apply(const Operands &a, const Twiddles &w, cpx<V> (&y)[8]) {
+    const auto b = [&](int q) MVK_INLINED_LAMBDA { return turned(a(q), w(q)); };
+    const V r = sqrt_half;
+    cpx<V> e[4], o[4];
+    four_plain(b(1), b(3), b(5), b(7), o);
+    four_plain(a(0), b(2), b(4), b(6), e);
+    sum_and_difference(e[0], o[0], y[0], y[4]);
+    sum_and_difference_j(e[2], o[2], y[2], y[6]);
+    const cpx<V> t = {(o[1].re + o[1].im) * r, (o[1].im - o[1].re) * r};
+    sum_and_difference(e[1], t, y[1], y[5]);
+    const cpx<V> u = {(o[3].re + o[3].im) * r, (o[3].im - o[3].re) * r};
+    sum_and_difference_j(e[3], u, y[3], y[7]);
+  }
+};
+
 // ---- By tangents --------------------------------------------------------------
 
 // The radix-2 butterfly a +- w b with w = c (1 + j t), of six fused operations: the product with

@@ -161,11 +161,12 @@ struct radix4_middle {
   template <class V, class Operands, class Twiddles, class Choose>
   MVK_INLINE static void run(const Operands &a, const Twiddles &w, cpx<V> (&y)[4], Choose choose) {
     cpx<V> b[4];
-    for (const int q : {1, 3, 2}) {
+    unrolled<3>([&](auto i) MVK_INLINED_LAMBDA {
+      constexpr int q = i + 1;
       const cpx<V> x = a(q), t = turned_middle(x, w(q));
       b[q].re = choose(x.re, t.re);
       b[q].im = choose(x.im, t.im);
-    }
+    });
     butterfly({a(0), b[1]}, {b[2], b[3]}, y);
   }
 };
@@ -179,11 +180,29 @@ MVK_INLINE void apply(const Operands &a, const Twiddles &w, cpx<V> (&y)[Butterfl
   Butterfly::apply(a, w, y);
 }
 
-// Makes `rows` rows out of rows of M, in groups of In and Out. In place where rows is 1 and the
-// vectors are whole groups.
-template <class Butterfly, class V, int In, int Out, bool split, bool exchange>
-[[gnu::noinline]] void later_pass(float *out, const float *in, const float *twiddles, std::size_t M,
-                                  std::size_t rows) {
+// Of `width` lanes.
+template <int width>
+struct vector_of;
+template <>
+struct vector_of<1> {
+  using type = float;
+};
+template <>
+struct vector_of<4> {
+  using type = f32x4;
+};
+template <>
+struct vector_of<8> {
+  using type = f32x8;
+};
+
+// Makes `rows` rows out of rows of M, in groups of In and Out, by vectors of `width` lanes. In
+// place where rows is 1 and the vectors are whole groups.
+template <class Butterfly, int In, int Out, int width, bool split, bool exchange>
+requires(!pointers_move_on || In != width)
+    [[gnu::noinline]] void later_pass(float *out, const float *in, const float *twiddles,
+                                      std::size_t M, std::size_t rows) {
+  using V = typename vector_of<width>::type;
   constexpr int R = Butterfly::radix;
   const auto step = [=](std::size_t r, std::size_t k, bool bin_0) MVK_INLINED_LAMBDA {
     cpx<V> y[R];
@@ -200,8 +219,48 @@ template <class Butterfly, class V, int In, int Out, bool split, bool exchange>
   };
   for (std::size_t r = 0; r < rows; ++r) {
     step(r, 0, true);
-    for (std::size_t k = lanes<V>; k < M; k += lanes<V>) step(r, k, false);
+    for (std::size_t k = width; k < M; k += width) step(r, k, false);
   }
+}
+
+// The same with a pointer to each operand and each bin, which move on. Operands are read through
+// all rows without a break.
+template <class Butterfly, int In, int Out, int width, bool split, bool exchange>
+requires(pointers_move_on &&In == width)
+    [[gnu::noinline]] void later_pass(float *out, const float *in, const float *twiddles,
+                                      std::size_t M, std::size_t rows) {
+  static_assert(!split && (Out == 1 || Out == In));
+  using V = typename vector_of<width>::type;
+  constexpr int R = Butterfly::radix;
+  const float *from[R];
+  float *to[R];
+  unrolled<R>([&](auto q) MVK_INLINED_LAMBDA {
+    from[q] = in + 2 * q * rows * M;
+    to[q] = out + 2 * q * M;
+  });
+  const auto step = [&](const float *w, bool bin_0) MVK_INLINED_LAMBDA {
+    cpx<V> y[R];
+    apply<Butterfly>(
+        [&](int q) MVK_INLINED_LAMBDA {
+          const halves<V> a = load_next<V>(from[q]);
+          return cpx<V>{a.lo, a.hi};
+        },
+        grouped_twiddles<V>{w}, y, bin_0);
+    unrolled<R>([&](auto p) MVK_INLINED_LAMBDA {
+      const V re = exchange ? y[p].im : y[p].re, im = exchange ? y[p].re : y[p].im;
+      if constexpr (Out == 1)
+        store_interleaved_next(to[p], re, im);
+      else
+        store_next(to[p], re, im);
+    });
+  };
+  constexpr std::size_t twiddle_step = 2 * Butterfly::twiddles * width;
+  const float *const end = twiddles + 2 * Butterfly::twiddles * M;
+  do {
+    step(twiddles, true);
+    for (const float *w = twiddles + twiddle_step; w != end; w += twiddle_step) step(w, false);
+    unrolled<R>([&](auto p) MVK_INLINED_LAMBDA { to[p] += 2 * (R - 1) * M; });
+  } while (--rows);
 }
 
 // The same for M that isn't a multiple of 4, on pairs and plain twiddles.

@@ -58,22 +58,6 @@ struct turned_butterfly<5> : radix5_turned {};
 template <>
 struct turned_butterfly<6> : radix6_turned {};
 
-// Of `width` lanes.
-template <int width>
-struct vector_of;
-template <>
-struct vector_of<1> {
-  using type = float;
-};
-template <>
-struct vector_of<4> {
-  using type = f32x4;
-};
-template <>
-struct vector_of<8> {
-  using type = f32x8;
-};
-
 // Pass i > 0.
 template <family F, int N, accuracy A, bool inverse, int i>
 inline void run_later_pass(float *out, const float *in) {
@@ -83,14 +67,17 @@ inline void run_later_pass(float *out, const float *in) {
   constexpr bool last = i == P::passes - 1, exchange = inverse && last;
   constexpr bool twos = i == 1 && P::by_twos;
   constexpr bool middle = F == family::radix4 && P::power_of_two && !last;
+  constexpr int width = P::is_32 ? 4 : std::min(In, lanes<native>);
   // Only the radix-4 family's rounding is laid down.
-  constexpr bool tangents = F == family::radix8 && R % 4 == 0;
+  constexpr bool rounding_is_free = F == family::radix8 && R % 4 == 0;
 
-  if constexpr (tangents) {
-    constexpr int width = std::min(In, lanes<native>);
-    using V = typename vector_of<width>::type;
+  if constexpr (rounding_is_free && fma_overwrites_addend) {
+    using butterfly = std::conditional_t<R == 4, radix4_plain, radix8_plain>;
+    later_pass<butterfly, In, Out, width, P::split, exchange>(
+        out, in, stage_twiddles<A, L, R, width, P::split>, M, rows);
+  } else if constexpr (rounding_is_free) {
     using butterfly = std::conditional_t<R == 4, radix4_tangent, radix8_tangent>;
-    later_pass<butterfly, V, In, Out, P::split, exchange>(
+    later_pass<butterfly, In, Out, width, P::split, exchange>(
         out, in, stage_tangents<L, R, width, P::split>, M, rows);
   } else if constexpr (twos) {
     using butterfly = std::conditional_t<middle, radix4_middle<true>, turned_butterfly<R>>;
@@ -99,10 +86,8 @@ inline void run_later_pass(float *out, const float *in) {
     later_pass_of_pairs<turned_butterfly<R>, exchange>(out, in, stage_twiddles<A, L, R, 0, false>,
                                                        M, rows);
   } else {
-    constexpr int width = P::is_32 ? 4 : std::min(In, lanes<native>);
-    using V = typename vector_of<width>::type;
     using butterfly = std::conditional_t<middle, radix4_middle<false>, turned_butterfly<R>>;
-    later_pass<butterfly, V, In, Out, P::split, exchange>(
+    later_pass<butterfly, In, Out, width, P::split, exchange>(
         out, in, stage_twiddles<A, L, R, width, P::split>, M, rows);
   }
 }

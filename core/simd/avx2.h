@@ -22,6 +22,7 @@ struct f32x8 {
 };
 
 using native = f32x8;
+inline constexpr bool fma_overwrites_addend = false, pointers_move_on = false;
 
 template <>
 inline f32x4 load<f32x4>(const float *p) {
