@@ -31,7 +31,8 @@
 //                                is its own inverse
 //   load_split_pairs<V>(p)             split_pairs of the pairs at p, as many as lanes
 //   load_next<V>(p),             {v0 v1 ...} and what follows, from or to p, which moves on
-//   store_next(p, a, b),         behind them
+//   load_split_next<V>(p),       behind them
+//   store_next(p, a, b),
 //   store_interleaved_next(p, e, o)
 //   store_interleaved(p, e, o)         {e0 o0 e1 o1 ...} to p
 //   transpose_fours(rows)        transposes four rows, in each half of an eight-lane one
@@ -78,6 +79,8 @@ template <class V>
 halves<V> load_split_pairs(const float *p);
 template <class V>
 halves<V> load_next(const float *&p);
+template <class V>
+halves<V> load_split_next(const float *&p);
 
 template <class V>
 inline constexpr int split_lane[] = {0, 1, 2, 3, 4, 5, 6, 7};
@@ -117,6 +120,12 @@ inline V load_once(const float *p) {
 template <class V>
 MVK_INLINE halves<V> load_next(const float *&p) {
   const halves<V> z = {load<V>(p), load<V>(p + lanes<V>)};
+  p += 2 * lanes<V>;
+  return z;
+}
+template <class V>
+MVK_INLINE halves<V> load_split_next(const float *&p) {
+  const halves<V> z = load_split_pairs<V>(p);
   p += 2 * lanes<V>;
   return z;
 }

@@ -112,7 +112,8 @@ MVK_INLINE void transform_inputs(const cpx<V> (&x)[R], float scale, cpx<V> (&y)[
   });
 }
 
-// Rows of R bins out of the n input pairs at src.
+// Rows of R bins out of the n input pairs at src. The last rows are made once more if they don't
+// fill a vector, since that is quicker than a loop for them, and the inputs still stand.
 template <int R, bool inverse, bool scaled, class V, int G, bool split>
 [[gnu::noinline]] void first_pass(float *work, const float *src, std::size_t n, float scale) {
   const std::size_t rows = n / R;
@@ -128,9 +129,48 @@ template <int R, bool inverse, bool scaled, class V, int G, bool split>
   };
   std::size_t r = 0;
   for (; r + lanes<V> <= rows; r += lanes<V>) make_rows(r);
-  // The last rows once more, since that is quicker than a loop for less than a vector, and
-  // the inputs still stand.
   if (r < rows) make_rows(rows - lanes<V>);
+}
+
+// The same with a pointer to each input, which move on.
+template <int R, bool inverse, bool scaled, class V, int G, bool split>
+requires(pointers_move_on &&R % 4 == 0 && lanes<V> == 4 && G == 4)
+    [[gnu::noinline]] void first_pass(float *work, const float *src, std::size_t n, float scale) {
+  const std::size_t rows = n / R;
+  const float *from[R];
+  float *to;
+  const auto begin_at = [&](std::size_t r) MVK_INLINED_LAMBDA {
+    unrolled<R>([&](auto m) MVK_INLINED_LAMBDA { from[m] = src + 2 * (r + m * rows); });
+    to = work + 2 * R * r;
+  };
+  const auto make_rows = [&]() MVK_INLINED_LAMBDA {
+    cpx<V> x[R], y[R];
+    unrolled<R>([&](auto m) MVK_INLINED_LAMBDA {
+      const halves<V> z = load_split_next<V>(from[m]);
+      x[m].re = z.lo;
+      x[m].im = z.hi;
+    });
+    transform_inputs<inverse, scaled, false>(x, scale, y);
+    V re[R / 4][4], im[R / 4][4];
+    unrolled<R>([&](auto p) MVK_INLINED_LAMBDA {
+      re[p / 4][p % 4] = y[p].re;
+      im[p / 4][p % 4] = y[p].im;
+    });
+    unrolled<R / 4>([&](auto quad) MVK_INLINED_LAMBDA {
+      transpose_fours(re[quad]);
+      transpose_fours(im[quad]);
+    });
+    unrolled<R>([&](auto i) MVK_INLINED_LAMBDA {
+      constexpr int row = i / (R / 4), quad = i % (R / 4);
+      store_next(to, re[quad][row], im[quad][row]);
+    });
+  };
+  begin_at(0);
+  for (std::size_t r = 0; r + 4 <= rows; r += 4) make_rows();
+  if (rows % 4 != 0) {
+    begin_at(rows - 4);
+    make_rows();
+  }
 }
 
 // ---- Later passes -------------------------------------------------------------

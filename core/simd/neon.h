@@ -81,6 +81,16 @@ MVK_INLINE halves<f32x4> load_next<f32x4>(const float *&p) {
   p = at;
   return {{a}, {b}};
 }
+// This one does, if it doesn't see how the pointers hang together.
+template <>
+MVK_INLINE halves<f32x4> load_split_next<f32x4>(const float *&p) {
+  const float *at = p;
+  const float32x4x2_t z = vld2q_f32(at);
+  at += 8;
+  asm("" : "+r"(at));
+  p = at;
+  return {{z.val[0]}, {z.val[1]}};
+}
 MVK_INLINE void store_next(float *&p, f32x4 a, f32x4 b) {
   const float32x4_t x = a.v, y = b.v;
   float *at = p;
