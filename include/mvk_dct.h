@@ -85,11 +85,12 @@ MVK_API void mvk_dct4_postmodulation_shl(float *out, const float *in, const floa
 
 /* Lengths n of the tables: of all forms, of all but _L<n>, _1 and _2 (640), and of all
  * but _cos (2). */
-#define MVK_DCT_LENGTHS(DO)                                                                        \
-  DO(4)                                                                                            \
-  DO(8) DO(12) DO(15) DO(16) DO(24) DO(30) DO(32) DO(36) DO(45) DO(48) DO(60) DO(64) DO(72) DO(90) \
-      DO(96) DO(120) DO(128) DO(144) DO(180) DO(192) DO(240) DO(256) DO(288) DO(320) DO(360)       \
-          DO(384) DO(480) DO(512) DO(576) DO(720) DO(768) DO(960) DO(1024)
+/* clang-format off */
+#define MVK_DCT_LENGTHS(DO) \
+  DO(4) DO(8) DO(12) DO(15) DO(16) DO(24) DO(30) DO(32) DO(36) DO(45) DO(48) DO(60) DO(64) \
+  DO(72) DO(90) DO(96) DO(120) DO(128) DO(144) DO(180) DO(192) DO(240) DO(256) DO(288) \
+  DO(320) DO(360) DO(384) DO(480) DO(512) DO(576) DO(720) DO(768) DO(960) DO(1024)
+/* clang-format on */
 
 /* For k from 0 to n - 1, rounded to single precision:
  *

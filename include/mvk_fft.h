@@ -42,17 +42,17 @@ MVK_BEGIN_DECLS
 
 /* DO(N) for the powers of two of MVK_r4 but 4096, for its other lengths, and for
  * the lengths of MVK_r8. */
+/* clang-format off */
 #define MVK_FFT_POWERS_OF_TWO(DO) \
   DO(2) DO(4) DO(8) DO(16) DO(32) DO(64) DO(128) DO(256) DO(512) DO(1024) DO(2048)
-#define MVK_FFT_COMPOSITES(DO)                                                               \
-  DO(6)                                                                                      \
-  DO(12) DO(15) DO(20) DO(24) DO(30) DO(36) DO(40) DO(45) DO(48) DO(60) DO(72) DO(80) DO(90) \
-      DO(96) DO(120) DO(144) DO(160) DO(180) DO(192) DO(240) DO(288) DO(320) DO(360) DO(384) \
-          DO(480) DO(576) DO(640) DO(720) DO(768) DO(960)
-#define MVK_FFT_RADIX8(DO)                                                                        \
-  DO(64)                                                                                          \
-  DO(128) DO(144) DO(192) DO(240) DO(256) DO(320) DO(384) DO(512) DO(576) DO(720) DO(768) DO(960) \
-      DO(1024) DO(2048) DO(4096)
+#define MVK_FFT_COMPOSITES(DO) \
+  DO(6) DO(12) DO(15) DO(20) DO(24) DO(30) DO(36) DO(40) DO(45) DO(48) DO(60) DO(72) DO(80) \
+  DO(90) DO(96) DO(120) DO(144) DO(160) DO(180) DO(192) DO(240) DO(288) DO(320) DO(360) \
+  DO(384) DO(480) DO(576) DO(640) DO(720) DO(768) DO(960)
+#define MVK_FFT_RADIX8(DO) \
+  DO(64) DO(128) DO(144) DO(192) DO(240) DO(256) DO(320) DO(384) DO(512) DO(576) DO(720) \
+  DO(768) DO(960) DO(1024) DO(2048) DO(4096)
+/* clang-format on */
 
 /* ---- Kernels ----------------------------------------------------------- */
 
@@ -243,8 +243,10 @@ MVK_API extern const float mvk_fft_twiddle[6][1024];
 MVK_API extern const float mvk_fft_real_sine[6144];
 
 /* mvk_rfft_sine_L[k - 1] = sin(2 pi k / L) for k from 1 to L / 4 - 1. */
+/* clang-format off */
 #define MVK_FFT_REAL_LENGTHS(DO) \
   DO(8) DO(16) DO(32) DO(64) DO(128) DO(256) DO(512) DO(1024) DO(2048) DO(4096) DO(8192)
+/* clang-format on */
 #define MVK_FFT_DECLARE_SINE(L) MVK_API extern const float mvk_rfft_sine_##L[L / 4 - 1];
 MVK_FFT_REAL_LENGTHS(MVK_FFT_DECLARE_SINE)
 
