@@ -61,9 +61,15 @@
 #include <cmath>
 #include <cstdint>
 
-// What works on vectors is inlined, whole: passed in memory, they would be lost.
+// What works on vectors is inlined, whole: passed in memory, they would be lost. Not so for the
+// sanitizers, whose checks would keep the compiler busy for minutes.
+#if defined(__SANITIZE_ADDRESS__)
+#define MVK_INLINE inline
+#define MVK_INLINED_LAMBDA
+#else
 #define MVK_INLINE [[gnu::always_inline]] inline
 #define MVK_INLINED_LAMBDA __attribute__((always_inline))
+#endif
 
 namespace mvk {
 

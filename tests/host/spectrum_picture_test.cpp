@@ -159,13 +159,19 @@ TEST_F(SpectrumPicture, SameAudioHasTheSamePicture) {
 // a pixel are seen in every pixel whose middle is in them; others in every pixel that
 // they reach.
 TEST_F(SpectrumPicture, ToneIsTheBrightestRow) {
-  for (const int length : {32, 64, 512, 1024, 2048, 4096}) {
+  for (const int length : {32, 512, 1024, 4096}) {
+    // One after another, each for a third of the time.
+    const std::vector<int> bins = {length / 16, length / 4, length / 2 - 3};
+    const int each = 4 * length;
+    write(3 * each, [&](int i) {
+      return sine(static_cast<double>(bins[static_cast<std::size_t>(i / each)]) / length, i);
+    });
+    const Picture drawn = picture({"--length", std::to_string(length)});
     const double height = 2.0 * kPlot.height / length;  // of a bin
-    for (const int bin : {length / 16, length / 4, length / 2 - 3}) {
+    for (int tone = 0; tone < 3; ++tone) {
+      const int bin = bins[static_cast<std::size_t>(tone)];
       SCOPED_TRACE("bin " + std::to_string(bin) + " of " + std::to_string(length));
-      write(4 * length, [&](int i) { return sine(static_cast<double>(bin) / length, i); });
-      const std::vector<int> rows =
-          picture({"--length", std::to_string(length)}).brightest_rows(kPlot.width / 2);
+      const std::vector<int> rows = drawn.brightest_rows((2 * tone + 1) * kPlot.width / 6);
       const double bottom = (bin - 0.5) * height;
       const double top = (bin + 0.5) * height;
       if (height >= 1.0) {
@@ -245,7 +251,7 @@ TEST_F(SpectrumPicture, NothingShortIsLostInALongFile) {
 }
 
 TEST_F(SpectrumPicture, FileShorterThanTheWindowFillsTheAxis) {
-  for (const int frames : {1, 2, 255, 256, 257, 1000}) {
+  for (const int frames : {1, 256, 257}) {
     write(frames, [](int) { return 0.5; });
     const Picture drawn = picture();
     for (const int column : {0, kPlot.width / 2, kPlot.width - 1}) {
@@ -272,30 +278,34 @@ TEST_F(SpectrumPicture, LegendIsTheBrighterTheHigher) {
 
 // The scale is 100 dB, and its end the least ten above the loudest.
 TEST_F(SpectrumPicture, LevelHasTheColourOfTheLegend) {
-  for (const double loudest : {0.0, -4.0, -19.0, -30.0, 14.0}) {
-    for (const double below : {0.0, 10.0, 35.0, 77.0}) {
-      const auto amplitude = [](double decibels) { return std::pow(10.0, decibels / 20.0); };
-      write(8192, [&](int i) {
-        return amplitude(loudest) * sine(128.0 / 1024, i) +
-               amplitude(loudest - below) * sine(384.0 / 1024, i);
-      });
-      const Picture drawn = picture();
-      const double top = 10 * std::ceil(loudest / 10);
-      const auto legend = [&](double level) {
-        const double pixel = (top - level) / 100 * kLegend.height;
-        return drawn.at(kLegend.left + kLegend.width / 2,
-                        kLegend.top + std::clamp(static_cast<int>(pixel), 0, kLegend.height - 1));
-      };
-      for (const auto &[bin, level] : {std::pair(128, loudest), std::pair(384, loudest - below)}) {
-        const Colour seen =
-            drawn.plot(kPlot.width / 2, static_cast<int>(bin * 2.0 * kPlot.height / 1024));
-        const Colour expected = legend(level);
-        // A pixel of the legend is a sixth of a decibel, in which no part changes by more
-        // than 6 times 84 / 100 in 255 / 100.
-        EXPECT_NEAR(seen.red, expected.red, 2) << level;
-        EXPECT_NEAR(seen.green, expected.green, 2) << level;
-        EXPECT_NEAR(seen.blue, expected.blue, 2) << level;
-      }
+  const auto amplitude = [](double decibels) { return std::pow(10.0, decibels / 20.0); };
+  for (const double loudest : {0.0, -4.0, -30.0, 14.0}) {
+    SCOPED_TRACE(loudest);
+    // A steady tone beside one that grows fainter in steps.
+    const double steps[] = {0.0, 10.0, 35.0, 77.0};
+    constexpr int kStep = 8192;
+    write(4 * kStep, [&](int i) {
+      return amplitude(loudest) * sine(128.0 / 1024, i) +
+             amplitude(loudest - steps[i / kStep]) * sine(384.0 / 1024, i);
+    });
+    const Picture drawn = picture();
+    const double top = 10 * std::ceil(loudest / 10);
+    const auto expect_level = [&](int step, int bin, double level) {
+      const double pixel = (top - level) / 100 * kLegend.height;
+      const Colour expected =
+          drawn.at(kLegend.left + kLegend.width / 2,
+                   kLegend.top + std::clamp(static_cast<int>(pixel), 0, kLegend.height - 1));
+      const Colour seen = drawn.plot((2 * step + 1) * kPlot.width / 8,
+                                     static_cast<int>(bin * 2.0 * kPlot.height / 1024));
+      // A pixel of the legend is a sixth of a decibel, in which no part changes by more
+      // than 1.
+      EXPECT_NEAR(seen.red, expected.red, 2) << level;
+      EXPECT_NEAR(seen.green, expected.green, 2) << level;
+      EXPECT_NEAR(seen.blue, expected.blue, 2) << level;
+    };
+    for (int step = 0; step < 4; ++step) {
+      expect_level(step, 128, loudest);
+      expect_level(step, 384, loudest - steps[step]);
     }
   }
 }
@@ -352,9 +362,10 @@ TEST_F(SpectrumPicture, MarksAreAtRoundNumbers) {
     int frames;
     double seconds;  // between two marks
     double kilohertz;
-  } cases[] = {{48000, 48000, 0.1, 2.0},      {44100, 44100 * 6, 0.5, 2.0},
-               {8000, 8000 * 15, 2.0, 0.5},   {22050, 60, 0.0005, 1.0},
-               {1000, 1000 * 120, 10, 0.05},  {1000, 1000 * 121, 15, 0.05},
+  } cases[] = {{48000, 48000, 0.1, 2.0},
+               {22050, 60, 0.0005, 1.0},
+               {1000, 1000 * 120, 10, 0.05},
+               {8000, 8000 * 121, 15, 0.5},
                {1000, 1000 * 3601, 600, 0.05}};
   for (const auto &each : cases) {
     SCOPED_TRACE(std::to_string(each.frames) + " frames at " + std::to_string(each.rate));
@@ -396,13 +407,16 @@ TEST_F(SpectrumPicture, AnyNameOfAFileIsATitle) {
   write(2000, [](int i) { return sine(0.1, i); });
   const std::string bytes = read_bytes(in_);
   std::vector<Picture> drawn;
+  const std::string latin_1 =
+      "Gr\xFC\xDF"
+      "e";
+  const std::string cut = "\xE2\x82";
+  const std::string surrogate = "\xED\xA0\x80";
+  const std::string overlong = "\xC0\xAF";
+  const std::string beyond = "\xF4\x90\x80\x80\xF8\x80";
   for (const std::string &name :
-       {std::string("a.wav"), std::string("b.wav"),
-        std::string("Gr\xC3\xBC\xC3\x9F"
-                    "e.wav"),
-        std::string("\xFF\xFE\x80.wav"), std::string("cut\xE2\x82"), std::string("\xED\xA0\x80"),
-        std::string("\xC0\xAF\xF8"), std::string("new\nline\x7F\x1B[1m"),
-        std::string(250, 'm') + ".wav"}) {
+       {std::string("a.wav"), std::string("\xC4\x80.wav"), latin_1 + surrogate + overlong + beyond,
+        "new\nline\x7F\x1B[1m" + cut, std::string(250, 'm') + ".wav"}) {
     in_ = folder_.file(name);
     write_bytes(in_, bytes);
     drawn.push_back(picture());
