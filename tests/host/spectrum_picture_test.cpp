@@ -364,9 +364,9 @@ TEST_F(SpectrumPicture, MarksAreAtRoundNumbers) {
     double kilohertz;
   } cases[] = {{48000, 48000, 0.1, 2.0},
                {22050, 60, 0.0005, 1.0},
-               {1000, 1000 * 120, 10, 0.05},
+               {100, 100 * 120, 10, 0.005},
                {8000, 8000 * 121, 15, 0.5},
-               {1000, 1000 * 3601, 600, 0.05}};
+               {100, 100 * 3601, 600, 0.005}};
   for (const auto &each : cases) {
     SCOPED_TRACE(std::to_string(each.frames) + " frames at " + std::to_string(each.rate));
     write(
