@@ -6,20 +6,20 @@
 #include <cstdint>
 #include <span>
 
-#define MVK_TWIDDLE_LENGTHS_UP_TO_480(DO)                                                     \
-  DO(4)                                                                                       \
-  DO(8)                                                                                       \
-  DO(12)                                                                                      \
-  DO(15)                                                                                      \
-  DO(16) DO(24) DO(30) DO(32) DO(36) DO(45) DO(48) DO(60) DO(64) DO(72) DO(90) DO(96) DO(120) \
-      DO(128) DO(144) DO(180) DO(192) DO(240) DO(256) DO(288) DO(320) DO(360) DO(384) DO(480)
-#define MVK_TWIDDLE_LENGTHS_UP_TO_1024(DO) DO(512) DO(576) DO(720) DO(768) DO(960) DO(1024)
+#define MVK_TWIDDLE_LENGTHS_UP_TO_60(DO) \
+  DO(4) DO(8) DO(12) DO(15) DO(16) DO(24) DO(30) DO(32) DO(36) DO(45) DO(48) DO(60)
+#define MVK_TWIDDLE_LENGTHS_UP_TO_320(DO) \
+  DO(64)                                  \
+  DO(72) DO(90) DO(96) DO(120) DO(128) DO(144) DO(180) DO(192) DO(240) DO(256) DO(288) DO(320)
+#define MVK_TWIDDLE_LENGTHS_UP_TO_1024(DO) \
+  DO(360) DO(384) DO(480) DO(512) DO(576) DO(720) DO(768) DO(960) DO(1024)
+#define MVK_TWIDDLE_LENGTHS(DO)    \
+  MVK_TWIDDLE_LENGTHS_UP_TO_60(DO) \
+  MVK_TWIDDLE_LENGTHS_UP_TO_320(DO) MVK_TWIDDLE_LENGTHS_UP_TO_1024(DO)
 
 // Sines and the halved pair, cosines, and the other forms.
-#define MVK_SINE_LENGTHS(DO) \
-  DO(2) MVK_TWIDDLE_LENGTHS_UP_TO_480(DO) MVK_TWIDDLE_LENGTHS_UP_TO_1024(DO)
-#define MVK_COSINE_LENGTHS(DO) \
-  MVK_TWIDDLE_LENGTHS_UP_TO_480(DO) MVK_TWIDDLE_LENGTHS_UP_TO_1024(DO) DO(640)
+#define MVK_SINE_LENGTHS(DO) DO(2) MVK_TWIDDLE_LENGTHS(DO)
+#define MVK_COSINE_LENGTHS(DO) MVK_TWIDDLE_LENGTHS(DO) DO(640)
 #define MVK_REVERSED_LENGTHS(DO) DO(2) MVK_COSINE_LENGTHS(DO)
 
 namespace testing_support {
