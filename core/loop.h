@@ -11,11 +11,11 @@ namespace mvk {
 // Runs body(k) for k from 0 to N - 1 as straight code, k being a constant, so
 // that arrays indexed by k stay in registers.
 template <class Body, int... K>
-MVK_INLINE void unrolled(Body body, std::integer_sequence<int, K...>) {
+[[gnu::always_inline]] inline void unrolled(Body body, std::integer_sequence<int, K...>) {
   (body(std::integral_constant<int, K>{}), ...);
 }
 template <int N, class Body>
-MVK_INLINE void unrolled(Body body) {
+[[gnu::always_inline]] inline void unrolled(Body body) {
   unrolled(body, std::make_integer_sequence<int, N>{});
 }
 
@@ -27,7 +27,7 @@ MVK_INLINE void unrolled(Body body) {
 //
 //     counted(n, [&]<class V>(size_t i) { store(y + i, load<V>(x + i) * g); });
 template <class Widest = f32x8, class Body>
-MVK_INLINE void counted(std::size_t n, Body body) {
+[[gnu::always_inline]] inline void counted(std::size_t n, Body body) {
   std::size_t i = 0;
   if constexpr (lanes<Widest> == 8) {
     for (; i + 32 <= n; i += 32)
