@@ -280,7 +280,7 @@ class Drawing {
     return extents.x_advance;
   }
 
-  // `alignment` is the part of the text's width that lies to the left of x; y is the
+  // `alignment` is the share of the text's width that lies to the left of x; y is the
   // base line.
   void text(double x, double y, double alignment, const std::string &text) {
     cairo_move_to(context_.get(), std::round(x - alignment * text_width(text)), y);
