@@ -2,8 +2,8 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "core/complex.h"
 #include "core/loop.h"
+#include "filterbanks/rotation.h"
 #include "mvk_dct.h"
 #include "mvk_qmf.h"
 
@@ -65,23 +65,6 @@ void mvk_inverseModulationReal(float *data, float *work, uint32_t M, const mvk_f
 // ---- Complex ------------------------------------------------------------------
 
 namespace {
-
-template <class V>
-MVK_INLINE cpx<V> operator*(cpx<V> a, cpx<V> b) {
-  return {fms(a.im, b.im, a.re * b.re), fma(a.im, b.re, a.re * b.im)};
-}
-
-// Pairs j to j + lanes - 1 of a table in groups of four: {c2, c1}.
-template <class V>
-MVK_INLINE cpx<V> load_rotation(const float *table, std::size_t j) {
-  if constexpr (lanes<V> == 8) {
-    const auto lo = load_rotation<f32x4>(table, j), hi = load_rotation<f32x4>(table, j + 4);
-    return {both(lo.re, hi.re), both(lo.im, hi.im)};
-  } else {
-    const float *p = table + 2 * j;
-    return {load<V>(p + 4), load<V>(p)};
-  }
-}
 
 // What turns band j, j + 1 and so on; a vector of bands is in one half of them.
 

@@ -43,6 +43,14 @@ inline V load_once(const float *p) {
 inline void store(float *p, f32x4 a) { _mm_storeu_ps(p, a.v); }
 inline void store(float *p, f32x8 a) { _mm256_storeu_ps(p, a.v); }
 
+// The two lower lanes.
+inline f32x4 load_two(const float *p) {
+  return {_mm_castsi128_ps(_mm_loadl_epi64(reinterpret_cast<const __m128i_u *>(p)))};
+}
+inline void store_two(float *p, f32x4 a) {
+  _mm_storel_epi64(reinterpret_cast<__m128i_u *>(p), _mm_castps_si128(a.v));
+}
+
 inline f32x4 operator+(f32x4 a, f32x4 b) { return {_mm_add_ps(a.v, b.v)}; }
 inline f32x8 operator+(f32x8 a, f32x8 b) { return {_mm256_add_ps(a.v, b.v)}; }
 inline f32x4 operator-(f32x4 a, f32x4 b) { return {_mm_sub_ps(a.v, b.v)}; }

@@ -23,6 +23,10 @@ inline f32x4 load<f32x4>(const float *p) {
 }
 inline void store(float *p, f32x4 a) { vst1q_f32(p, a.v); }
 
+// The two lower lanes.
+inline f32x4 load_two(const float *p) { return {vcombine_f32(vld1_f32(p), vdup_n_f32(0))}; }
+inline void store_two(float *p, f32x4 a) { vst1_f32(p, vget_low_f32(a.v)); }
+
 inline f32x4 operator+(f32x4 a, f32x4 b) { return {vaddq_f32(a.v, b.v)}; }
 inline f32x4 operator-(f32x4 a, f32x4 b) { return {vsubq_f32(a.v, b.v)}; }
 inline f32x4 operator*(f32x4 a, f32x4 b) { return {vmulq_f32(a.v, b.v)}; }

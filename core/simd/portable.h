@@ -37,6 +37,13 @@ inline void store(float *p, f32x4 v) {
   for (int l = 0; l < 4; ++l) p[l] = v.v[l];
 }
 
+// The two lower lanes.
+inline f32x4 load_two(const float *p) { return {p[0], p[1], 0, 0}; }
+inline void store_two(float *p, f32x4 a) {
+  p[0] = a.v[0];
+  p[1] = a.v[1];
+}
+
 inline f32x4 operator+(f32x4 a, f32x4 b) {
   return detail::each_lane([](float x, float y) { return x + y; }, a, b);
 }

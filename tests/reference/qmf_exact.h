@@ -1,0 +1,224 @@
+// QMF banks as they are defined, in double precision, for tests. Next to a result stands how far
+// single precision may be off.
+#ifndef MVK_TESTS_REFERENCE_QMF_EXACT_H_
+#define MVK_TESTS_REFERENCE_QMF_EXACT_H_
+
+#include <algorithm>
+#include <cmath>
+#include <complex>
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <vector>
+
+#include "reference/fft_exact.h"
+#include "reference/fft_roots.h"
+#include "reference/qmf_prototypes.h"
+
+namespace reference {
+
+// How the bands of a complex bank are turned.
+enum class Turning { kNone, kAligned, kHalfSample };
+
+inline constexpr double kRounding = 0x1p-24;
+
+// A bank's modulation: exp(i pi / M (k + 1/2) n) and what goes with it.
+class QmfCarriers {
+ public:
+  explicit QmfCarriers(uint32_t bands)
+      : bands_(bands), roots_(Roots<double>(4 * size_t{bands}, Direction::kInverse)) {}
+
+  WideComplex At(size_t band, int64_t n) const {
+    return roots_[TurnOf(static_cast<int64_t>(2 * band + 1) * n)];
+  }
+
+  // The sum of x[i] times what is at `first` + i.
+  WideComplex OverTime(size_t band, int64_t first, const std::vector<double> &x) const {
+    return Sum(x, TurnOf(static_cast<int64_t>(2 * band + 1) * first), 2 * band + 1);
+  }
+
+  // The sum of the bands y at n.
+  WideComplex OverBands(const WideArray &y, int64_t n) const {
+    return Sum(y, TurnOf(n), TurnOf(2 * n));
+  }
+
+  // What an analysis bank multiplies band k by.
+  WideComplex Turn(Turning turning, size_t band) const {
+    const double middle = std::numbers::pi / bands_ * (static_cast<double>(band) + 0.5);
+    switch (turning) {
+      case Turning::kAligned:
+        return std::polar(1.0, middle * 0.5 * (1 - bands_ / 64.0));
+      case Turning::kHalfSample:
+        return -std::polar(1.0, -middle / 2);
+      default:
+        return 1;
+    }
+  }
+
+ private:
+  size_t TurnOf(int64_t n) const {
+    const auto period = static_cast<int64_t>(roots_.size());
+    return static_cast<size_t>((n % period + period) % period);
+  }
+
+  template <typename T>
+  WideComplex Sum(const std::vector<T> &x, size_t turn, size_t step) const {
+    WideComplex sum = 0;
+    for (const T &value : x) {
+      sum += Product(WideComplex(value), roots_[turn]);
+      turn = (turn + step) % roots_.size();
+    }
+    return sum;
+  }
+
+  uint32_t bands_;
+  WideArray roots_;
+};
+
+struct QmfSlot {
+  WideArray bands;  // real banks have no imaginary parts
+  double bound;     // of each band's error
+};
+
+class ExactAnalysis {
+ public:
+  ExactAnalysis(const QmfWindow &window, const float *table)
+      : window_(window),
+        carriers_(window.bands),
+        taps_(TapsOfAnalysis(window, table)),
+        sign_(window.order == 5 ? 1 : -1) {}
+
+  // Band k of a real bank, d samples behind an impulse of 1.
+  double Real(size_t k, size_t d) const {
+    if (d >= taps_.size()) return 0;
+    const auto behind = static_cast<int64_t>(d) - static_cast<int64_t>(3 * window_.bands / 2);
+    return sign_ / (2.0 * window_.bands) * taps_[d] * carriers_.At(k, behind).real();
+  }
+
+  WideComplex Complex(Turning turning, size_t k, size_t d) const {
+    if (d >= taps_.size()) return 0;
+    return -sign_ / (2.0 * window_.bands) * taps_[d] *
+           Product(carriers_.At(k, static_cast<int64_t>(d)), carriers_.Turn(turning, k));
+  }
+
+  // What becomes of x up to and with slot s, to within `modulation` times its rms by the
+  // modulation.
+  QmfSlot RealSlot(std::span<const float> x, size_t s, double modulation) const {
+    QmfSlot slot = Slot(x, s, modulation, -static_cast<int64_t>(3 * window_.bands / 2));
+    for (WideComplex &band : slot.bands) band = sign_ * band.real();
+    return slot;
+  }
+
+  QmfSlot ComplexSlot(Turning turning, std::span<const float> x, size_t s,
+                      double modulation) const {
+    QmfSlot slot = Slot(x, s, modulation, 0);
+    for (size_t k = 0; k < slot.bands.size(); ++k) {
+      slot.bands[k] = -sign_ * Product(slot.bands[k], carriers_.Turn(turning, k));
+    }
+    return slot;
+  }
+
+ private:
+  // The carriers change their sign every 2 M samples.
+  QmfSlot Slot(std::span<const float> x, size_t s, double modulation, int64_t first) const {
+    const size_t m = window_.bands, newest = (s + 1) * m - 1;
+    std::vector<double> folded(2 * m);
+    double weight = 0;
+    for (size_t d = 0; d < taps_.size() && d <= newest; ++d) {
+      const double product = taps_[d] * x[newest - d] / (2.0 * static_cast<double>(m));
+      folded[d % (2 * m)] += d / (2 * m) % 2 == 0 ? product : -product;
+      weight += std::fabs(product);
+    }
+    QmfSlot slot{WideArray(m), 0};
+    for (size_t k = 0; k < m; ++k) slot.bands[k] = carriers_.OverTime(k, first, folded);
+    // P roundings of a window's sum, and four in turning what it comes to.
+    slot.bound = (window_.order + 4) * kRounding * std::numbers::sqrt2 * weight +
+                 modulation * Rms(slot.bands);
+    return slot;
+  }
+
+  QmfWindow window_;
+  QmfCarriers carriers_;
+  Taps taps_;
+  double sign_;
+};
+
+struct QmfOutput {
+  explicit QmfOutput(size_t count) : samples(count), bounds(count) {}
+
+  std::vector<double> samples;
+  std::vector<double> bounds;
+};
+
+class ExactSynthesis {
+ public:
+  ExactSynthesis(const QmfWindow &window, const float *table)
+      : window_(window), carriers_(window.bands), taps_(TapsOfSynthesis(window, table)) {}
+
+  // Output n of a 1 in band k of a real bank, counted from the first of the slot.
+  double Real(size_t k, size_t n) const {
+    if (n >= taps_.size()) return 0;
+    const auto middle = static_cast<int64_t>(window_.bands / 2);
+    return 4 * taps_[n] * carriers_.At(k, static_cast<int64_t>(n) - middle).real();
+  }
+
+  double Complex(Turning turning, size_t k, WideComplex y, size_t n) const {
+    if (n >= taps_.size()) return 0;
+    const WideComplex turned = Product(y, std::conj(carriers_.Turn(turning, k)));
+    return 2 * taps_[n] * Product(turned, carriers_.At(k, static_cast<int64_t>(n))).real();
+  }
+
+  // Of slots one after the other: M floats each, or M pairs.
+  QmfOutput OfReal(std::span<const float> slots, double modulation) const {
+    QmfOutput out(slots.size());
+    for (size_t s = 0; s < slots.size(); s += window_.bands) {
+      WideArray bands(window_.bands);
+      for (size_t k = 0; k < bands.size(); ++k) bands[k] = 4 * slots[s + k];
+      Add(out, s, bands, -static_cast<int64_t>(window_.bands / 2), modulation);
+    }
+    return out;
+  }
+
+  QmfOutput OfComplex(Turning turning, std::span<const float> slots, double modulation) const {
+    QmfOutput out(slots.size() / 2);
+    for (size_t s = 0; s < slots.size() / 2; s += window_.bands) {
+      WideArray bands(window_.bands);
+      for (size_t k = 0; k < bands.size(); ++k) {
+        const WideComplex band(slots[2 * (s + k)], slots[2 * (s + k) + 1]);
+        bands[k] = 2.0 * Product(band, std::conj(carriers_.Turn(turning, k)));
+      }
+      Add(out, s, bands, 0, modulation);
+    }
+    return out;
+  }
+
+ private:
+  // What a slot adds from sample `start` on.
+  void Add(QmfOutput &out, size_t start, const WideArray &bands, int64_t first,
+           double modulation) const {
+    const size_t period = 2 * bands.size();
+    std::vector<double> v(period);
+    double peak = 0, energy = 0;
+    for (size_t n = 0; n < period; ++n) {
+      v[n] = carriers_.OverBands(bands, first + static_cast<int64_t>(n)).real();
+      peak = std::max(peak, std::fabs(v[n]));
+      energy += v[n] * v[n];
+    }
+    // 2 P roundings on the way through the delay line, and six in turning what comes into it.
+    const double bound = (2 * window_.order + 6) * kRounding * peak +
+                         modulation * std::sqrt(energy / static_cast<double>(period));
+    for (size_t n = 0; n < taps_.size() && start + n < out.samples.size(); ++n) {
+      const double product = taps_[n] * v[n % period];
+      out.samples[start + n] += n / period % 2 == 0 ? product : -product;
+      out.bounds[start + n] += std::fabs(taps_[n]) * bound;
+    }
+  }
+
+  QmfWindow window_;
+  QmfCarriers carriers_;
+  Taps taps_;
+};
+
+}  // namespace reference
+
+#endif
