@@ -21,6 +21,11 @@ MVK_INLINE auto operator-(cpx<A> a, cpx<B> b) {
   return cpx{a.re - b.re, a.im - b.im};
 }
 
+template <class V>
+MVK_INLINE cpx<V> operator*(cpx<V> a, cpx<V> b) {
+  return {fms(a.im, b.im, a.re * b.re), fma(a.im, b.re, a.re * b.im)};
+}
+
 // As many pairs of memory as V has lanes, real part first.
 template <class V>
 MVK_INLINE cpx<V> load_complex(const float *p) {

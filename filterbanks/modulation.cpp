@@ -3,6 +3,7 @@
 #include <cstdint>
 
 #include "core/loop.h"
+#include "filterbanks/reorder.h"
 #include "filterbanks/rotation.h"
 #include "mvk_dct.h"
 #include "mvk_qmf.h"
@@ -66,16 +67,19 @@ void mvk_inverseModulationReal(float *data, float *work, uint32_t M, const mvk_f
 
 namespace {
 
-// What turns band j, j + 1 and so on; a vector of bands is in one half of them.
-
-struct identity {};
+// The pair of a table, as band j and the following are turned by it: c2 + i c1.
+template <class V>
+MVK_INLINE cpx<V> load_turn(const float *table, std::size_t j) {
+  const cpx<V> c = load_rotation<V>(table, j);
+  return {c.im, c.re};
+}
 
 struct alignment {
   const float *table;
 
   template <class V>
   MVK_INLINE cpx<V> factor(std::size_t j) const {
-    return load_rotation<V>(table, j);
+    return load_turn<V>(table, j);
   }
 };
 
@@ -86,71 +90,34 @@ struct half_sample {
   // Of the upper half, -i (c2 - i c1) with the mirrored band's pair.
   template <class V>
   MVK_INLINE cpx<V> factor(std::size_t j) const {
-    if (2 * j < M) return load_rotation<V>(table, j);
-    const cpx<V> f = reversed(load_rotation<V>(table, M - lanes<V> - j));
+    if (2 * j < M) return load_turn<V>(table, j);
+    const cpx<V> f = reversed(load_turn<V>(table, M - lanes<V> - j));
     return {-f.im, -f.re};
   }
 };
 
-template <class V, class Rotation>
-MVK_INLINE cpx<V> turn(cpx<V> y, const Rotation &rotation, std::size_t j) {
-  return y * rotation.template factor<V>(j);
-}
-template <class V>
-MVK_INLINE cpx<V> turn(cpx<V> y, const identity &, std::size_t) {
-  return y;
-}
-template <class V, class Rotation>
-MVK_INLINE cpx<V> turn_back(cpx<V> y, const Rotation &rotation, std::size_t j) {
-  const cpx<V> f = rotation.template factor<V>(j);
-  return y * cpx<V>{f.re, -f.im};
-}
-template <class V>
-MVK_INLINE cpx<V> turn_back(cpx<V> y, const identity &, std::size_t) {
-  return y;
-}
+template <class Rotation>
+struct turned {
+  Rotation by;
 
-// Band 2 m is bin m, conjugated, and band 2 m + 1 bin M - 1 - m.
-template <class V, class Rotation>
-void reorder_forward(float *out, const float *bins, std::size_t M, const Rotation &rotation) {
-  for (std::size_t m = 0; m < M / 2; m += lanes<V>) {
-    const cpx<V> low = load_complex<V>(bins + 2 * m);
-    const cpx<V> high = reversed(load_complex<V>(bins + 2 * (M - lanes<V> - m)));
-    const auto re = interleave(low.re, high.re), im = interleave(-low.im, high.im);
-    const cpx<V> first = turn(cpx<V>{re.lo, im.lo}, rotation, 2 * m);
-    const cpx<V> second = turn(cpx<V>{re.hi, im.hi}, rotation, 2 * m + lanes<V>);
-    store_complex(out + 4 * m, first);
-    store_complex(out + 4 * m + 2 * lanes<V>, second);
+  template <class V>
+  MVK_INLINE cpx<V> operator()(cpx<V> y, std::size_t j) const {
+    return y * by.template factor<V>(j);
   }
-}
+};
+template <class Rotation>
+struct turned_back {
+  Rotation by;
 
-template <class V, class Rotation>
-void reorder_inverse(float *bins, const float *in, std::size_t M, const Rotation &rotation) {
-  for (std::size_t m = 0; m < M / 2; m += lanes<V>) {
-    const cpx<V> first = turn_back(load_complex<V>(in + 4 * m), rotation, 2 * m);
-    const cpx<V> second =
-        turn_back(load_complex<V>(in + 4 * m + 2 * lanes<V>), rotation, 2 * m + lanes<V>);
-    const auto re = deinterleave(first.re, second.re), im = deinterleave(first.im, second.im);
-    store_interleaved(bins + 2 * m, re.lo, -im.lo);
-    store_interleaved(bins + 2 * (M - lanes<V> - m), reverse(re.hi), reverse(im.hi));
+  template <class V>
+  MVK_INLINE cpx<V> operator()(cpx<V> y, std::size_t j) const {
+    const cpx<V> f = by.template factor<V>(j);
+    return y * cpx<V>{f.re, -f.im};
   }
-}
+};
 
-// Calls f(vector, rotation) with the widest vector that suits, and with what turns the bands.
-template <class F>
-void with_rotation(std::size_t M, std::uint32_t mode, const float *table, F f) {
-  const auto with_vector = [&](const auto &rotation) {
-    if (M % (2 * lanes<native>) == 0)
-      f(native{}, rotation);
-    else
-      f(f32x4{}, rotation);
-  };
-  if (mode == MVK_TWIDDLE_NONE || (mode == MVK_TWIDDLE_ALIGN && !table))
-    with_vector(identity{});
-  else if (mode == MVK_TWIDDLE_ALIGN)
-    with_vector(alignment{table});
-  else
-    with_vector(half_sample{table, M});
+bool turns(std::uint32_t twiddle_mode, const float *rotation) {
+  return twiddle_mode != MVK_TWIDDLE_NONE && (twiddle_mode != MVK_TWIDDLE_ALIGN || rotation);
 }
 
 void transform(const mvk_fft_pair *pair, float *dst, float *src, std::uint32_t M) {
@@ -164,14 +131,28 @@ void mvk_forwardModulationComplex(float *src, float *out, float *fft_out, uint32
                                   uint32_t twiddle_mode, const float *rotation,
                                   const mvk_fft_pair *pair) {
   transform(pair, fft_out, src, M);
-  with_rotation(M, twiddle_mode, rotation,
-                [=]<class V>(V, const auto &turns) { reorder_forward<V>(out, fft_out, M, turns); });
+  const auto reorder = [=](auto turn) {
+    bands_from_bins(out, fft_out, M, conjugate{}, plain{}, turn);
+  };
+  if (!turns(twiddle_mode, rotation))
+    reorder(not_turned{});
+  else if (twiddle_mode == MVK_TWIDDLE_ALIGN)
+    reorder(turned<alignment>{{rotation}});
+  else
+    reorder(turned<half_sample>{{rotation, M}});
 }
 
 void mvk_inverseModulationComplex(const float *src, float *out, float *fft_in, uint32_t M,
                                   uint32_t twiddle_mode, const float *rotation,
                                   const mvk_fft_pair *pair) {
-  with_rotation(M, twiddle_mode, rotation,
-                [=]<class V>(V, const auto &turns) { reorder_inverse<V>(fft_in, src, M, turns); });
+  const auto reorder = [=](auto turn) {
+    bins_from_bands(fft_in, src, M, conjugate{}, plain{}, turn);
+  };
+  if (!turns(twiddle_mode, rotation))
+    reorder(not_turned{});
+  else if (twiddle_mode == MVK_TWIDDLE_ALIGN)
+    reorder(turned_back<alignment>{{rotation}});
+  else
+    reorder(turned_back<half_sample>{{rotation, M}});
   transform(pair, out, fft_in, M);
 }

@@ -1,28 +1,16 @@
 // The prototypes of the QMF banks in their three arrangements, from the designs for 64 bands.
 #include "core/tables.h"
-#include "filterbanks/prototype_data.h"
+#include "filterbanks/prototype.h"
 #include "mvk_qmf.h"
 
 using namespace mvk;
 
 namespace {
 
-// The prototype p of P and M from one of 64 bands, whose taps up to the middle are in `half`.
+// The arrangements of the prototype of P and M.
 template <int P, int M>
-struct prototype {
-  const double *half;
-
-  constexpr float designed(int n) const {
-    return static_cast<float>(half[n <= 64 * P ? n : 128 * P - n]);
-  }
-
-  // p[n], between two taps of the design where M doesn't divide 64.
-  constexpr float p(int n) const {
-    const int tap = 64 * n / M, rest = 64 * n % M;
-    if (rest == 0) return designed(tap);
-    const double to_next = static_cast<double>(rest) / M;
-    return static_cast<float>((1 - to_next) * designed(tap) + to_next * designed(tap + 1));
-  }
+struct arranged : prototype<P, M> {
+  using prototype<P, M>::p;
 
   // Block signs. A zero stays +0.
   constexpr float sign(int n, float x) const {
@@ -52,12 +40,12 @@ constexpr auto &P5_p64orv301 = p5_p64orv301_half;
 
 #define MVK_PROTOTYPE(name, design, P, M, rows)                                           \
   MVK_EXPORT_TABLE(mvk_qmf_filter_coeff_##name, P *rows, make_table<P * rows>([](int i) { \
-                     return prototype<P, M>{design}.columns(i);                           \
+                     return arranged<P, M>{{design}}.columns(i);                          \
                    }));                                                                   \
   MVK_EXPORT_TABLE(                                                                       \
       mvk_qmf_filter_coeff_##name##_vec_ana, 2 * P * M,                                   \
-      make_table<2 * P * M>([](int i) { return prototype<P, M>{design}.analysis(i); }));  \
+      make_table<2 * P * M>([](int i) { return arranged<P, M>{{design}}.analysis(i); })); \
   MVK_EXPORT_TABLE(                                                                       \
       mvk_qmf_filter_coeff_##name##_vec_syn, 2 * P * M,                                   \
-      make_table<2 * P * M>([](int i) { return prototype<P, M>{design}.synthesis(i); }));
+      make_table<2 * P * M>([](int i) { return arranged<P, M>{{design}}.synthesis(i); }));
 MVK_QMF_PROTOTYPES(MVK_PROTOTYPE)

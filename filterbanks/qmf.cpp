@@ -20,11 +20,6 @@ const float *mvk::find_rotation(std::uint32_t bands, std::uint32_t twiddle_mode)
   }
 }
 
-const mvk_fft_pair *mvk::find_forward_pair(std::uint32_t n) {
-  const mvk_fft_pair *const pair = MVK_r8_cplx_fwd_pair(n);
-  return pair ? pair : MVK_r4_cplx_fwd_pair(n);
-}
-
 cosine_transform mvk::find_cosine_transform(std::uint32_t bands) {
   const mvk_fft_pair *const pair = find_forward_pair(bands / 2);
   const auto with = [=](const float *twiddle) {

@@ -6,6 +6,7 @@
 #include <cstdint>
 
 #include "core/carve.h"
+#include "filterbanks/forward_pair.h"
 #include "mvk_qmf.h"
 
 namespace mvk {
@@ -41,9 +42,6 @@ Record *place(void *state_mem, void *scratch_mem, void *record_mem) {
 
 // The table that turns complex bands, or null.
 const float *find_rotation(std::uint32_t bands, std::uint32_t twiddle_mode);
-
-// The forward pair of n points, of the faster family that has one; or null.
-const mvk_fft_pair *find_forward_pair(std::uint32_t n);
 
 // What a real bank transforms its bands with, each null where there is none.
 struct cosine_transform {

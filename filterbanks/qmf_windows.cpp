@@ -73,7 +73,7 @@ MVK_INLINE void analyse_complex(float *scratch, float **slot_ptr, const float *p
     const std::size_t i = M - k - lanes<V>;
     const V a = reverse(sums.odd), b = reverse(sums.even);
     const cpx<V> c = load_rotation<V>(cos_table, i);
-    store_complex<V>(scratch + 2 * i, {fms(b, c.re, a * c.im), fma(a, c.re, b * c.im)});
+    store_complex(scratch + 2 * i, cpx<V>{a, b} * c);
   });
 }
 
@@ -131,7 +131,7 @@ MVK_INLINE void synthesise_complex(float *out, float *history, const float *prot
   counted<native>(M, [=]<class V>(std::size_t k) {
     const cpx<V> u = load_complex<V>(scratch + 2 * k);
     const cpx<V> c = load_rotation<V>(cos_table, k);
-    const V a = fma(u.im, c.im, u.re * c.re), b = fms(u.re, c.im, u.im * c.re);
+    const V a = fma(u.im, c.re, u.re * c.im), b = fms(u.re, c.re, u.im * c.im);
     const V y = delay_line<P, V>(history, prototype, M, k, a + a, b + b);
     store(out + k, half ? y : y + y);
   });

@@ -56,6 +56,8 @@ inline T min_propagating(T a, T b) {
   return a != a || b != b ? a + b : minnum(a, b);
 }
 
+inline halves<float> interleave(float a, float b) { return {a, b}; }
+inline halves<float> deinterleave(float a, float b) { return {a, b}; }
 inline halves<float> split_pairs(float a, float b) { return {a, b}; }
 inline halves<float> join_pairs(float even, float odd) { return {even, odd}; }
 template <>

@@ -15,8 +15,6 @@ using reference::ExactAnalysis;
 using reference::QmfSlot;
 using reference::WideComplex;
 
-// Every band of every bank is compared in `modulation` of its slot's rms, which is all that an
-// impulse leaves to be off besides the roundings of one product.
 constexpr double kImpulse = 0.75f;
 
 void ExpectSlot(const float *got, bool is_complex, const QmfSlot &want) {
@@ -37,7 +35,7 @@ void ExpectBands(const std::vector<float> &got, uint32_t bands, bool is_complex,
   }
 }
 
-// A number of samples back from the newest of slot s, of an impulse at `place`.
+// What an impulse at `place` makes of slot s.
 template <class Response>
 QmfSlot ImpulseSlot(uint32_t bands, size_t s, size_t place, double modulation, Response response) {
   QmfSlot slot{reference::WideArray(bands), 0};

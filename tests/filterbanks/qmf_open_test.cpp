@@ -1,6 +1,8 @@
 // What the records of QMF banks hold once they are open.
 #include <gtest/gtest.h>
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <utility>
 #include <vector>
@@ -237,6 +239,51 @@ TYPED_TEST(QmfAnalysisOpen, PutsThePointersBehindTheHistory) {
       }
     }
   }
+}
+
+TYPED_TEST(QmfOpen, HasNothingToClose) {
+  const std::vector<float> table = AnyPrototype({5, 16}, 1);
+  QmfBank<TypeParam> bank({16, 5, table.data()});
+  bank.Real(QmfNoise(1, 5 * 16));
+  const auto copies = [&] {
+    return std::array{bank.state_memory().Copy(), bank.scratch_memory().Copy(),
+                      bank.record_memory().Copy()};
+  };
+  const auto before = copies();
+  TypeParam::kClose(bank.record());
+  EXPECT_EQ(copies(), before);
+}
+
+// ---- Layout of the records ----
+
+using Offsets = std::vector<size_t>;
+
+TEST(QmfRecords, OfLongAnalysisHaveThisLayout) {
+  using R = mvk_qmf_analysisL_state;
+  EXPECT_EQ((Offsets{offsetof(R, bands), offsetof(R, prototype), offsetof(R, order),
+                     offsetof(R, slots), offsetof(R, slot_increment), offsetof(R, history),
+                     offsetof(R, slot_ptr), offsetof(R, history_length), offsetof(R, twiddle_mode),
+                     offsetof(R, cos_table), offsetof(R, rotation), offsetof(R, pair_full),
+                     offsetof(R, pair_half), offsetof(R, dct_twiddle), offsetof(R, scratch),
+                     offsetof(R, window_real), offsetof(R, window_complex), sizeof(R)}),
+            (Offsets{0, 8, 16, 20, 24, 32, 40, 48, 52, 56, 64, 72, 80, 88, 96, 104, 112, 120}));
+}
+
+template <class R>
+Offsets SynthesisOffsets() {
+  return {offsetof(R, bands),          offsetof(R, prototype),      offsetof(R, order),
+          offsetof(R, slots),          offsetof(R, slot_increment), offsetof(R, history),
+          offsetof(R, history_length), offsetof(R, twiddle_mode),   offsetof(R, rotation),
+          offsetof(R, cos_table),      offsetof(R, pair_full),      offsetof(R, pair_half),
+          offsetof(R, dct_twiddle),    offsetof(R, scratch),        offsetof(R, window_real),
+          offsetof(R, window_complex)};
+}
+
+TEST(QmfRecords, OfSynthesisHaveThisLayout) {
+  const Offsets offsets = {0, 8, 16, 20, 24, 32, 40, 44, 48, 56, 64, 72, 80, 88, 96, 104};
+  EXPECT_EQ(SynthesisOffsets<mvk_qmf_synthesisL_state>(), offsets);
+  EXPECT_EQ(SynthesisOffsets<mvk_qmf_synthesisS_state>(), offsets);
+  EXPECT_EQ(offsetof(mvk_qmf_synthesisL_state, window_complex_head1bit), 112u);
 }
 
 }  // namespace

@@ -22,6 +22,8 @@ enum class Turning { kNone, kAligned, kHalfSample };
 
 inline constexpr double kRounding = 0x1p-24;
 
+using Reals = std::vector<double>;
+
 // A bank's modulation: exp(i pi / M (k + 1/2) n) and what goes with it.
 class QmfCarriers {
  public:
@@ -33,13 +35,13 @@ class QmfCarriers {
   }
 
   // The sum of x[i] times what is at `first` + i.
-  WideComplex OverTime(size_t band, int64_t first, const std::vector<double> &x) const {
+  WideComplex OverTime(size_t band, int64_t first, const Reals &x) const {
     return Sum(x, TurnOf(static_cast<int64_t>(2 * band + 1) * first), 2 * band + 1);
   }
 
-  // The sum of the bands y at n.
-  WideComplex OverBands(const WideArray &y, int64_t n) const {
-    return Sum(y, TurnOf(n), TurnOf(2 * n));
+  // The real part of the sum of bands at n; imaginary parts may be left out.
+  double OverBands(const Reals &re, const Reals &im, int64_t n) const {
+    return Sum(re, TurnOf(n), TurnOf(2 * n)).real() - Sum(im, TurnOf(n), TurnOf(2 * n)).imag();
   }
 
   // What an analysis bank multiplies band k by.
@@ -61,14 +63,19 @@ class QmfCarriers {
     return static_cast<size_t>((n % period + period) % period);
   }
 
-  template <typename T>
-  WideComplex Sum(const std::vector<T> &x, size_t turn, size_t step) const {
-    WideComplex sum = 0;
-    for (const T &value : x) {
-      sum += Product(WideComplex(value), roots_[turn]);
-      turn = (turn + step) % roots_.size();
+  // In plain arrays, since nearly all of the time goes here.
+  WideComplex Sum(const Reals &x, size_t turn, size_t step) const {
+    const double *const values = x.data();
+    const auto *const roots = reinterpret_cast<const double *>(roots_.data());
+    const size_t count = x.size(), period = roots_.size();
+    double re = 0, im = 0;
+    for (size_t i = 0; i < count; ++i) {
+      re += values[i] * roots[2 * turn];
+      im += values[i] * roots[2 * turn + 1];
+      turn += step;
+      if (turn >= period) turn -= period;
     }
-    return sum;
+    return {re, im};
   }
 
   uint32_t bands_;
@@ -122,7 +129,7 @@ class ExactAnalysis {
   // The carriers change their sign every 2 M samples.
   QmfSlot Slot(std::span<const float> x, size_t s, double modulation, int64_t first) const {
     const size_t m = window_.bands, newest = (s + 1) * m - 1;
-    std::vector<double> folded(2 * m);
+    Reals folded(2 * m);
     double weight = 0;
     for (size_t d = 0; d < taps_.size() && d <= newest; ++d) {
       const double product = taps_[d] * x[newest - d] / (2.0 * static_cast<double>(m));
@@ -146,8 +153,8 @@ class ExactAnalysis {
 struct QmfOutput {
   explicit QmfOutput(size_t count) : samples(count), bounds(count) {}
 
-  std::vector<double> samples;
-  std::vector<double> bounds;
+  Reals samples;
+  Reals bounds;
 };
 
 class ExactSynthesis {
@@ -172,9 +179,9 @@ class ExactSynthesis {
   QmfOutput OfReal(std::span<const float> slots, double modulation) const {
     QmfOutput out(slots.size());
     for (size_t s = 0; s < slots.size(); s += window_.bands) {
-      WideArray bands(window_.bands);
-      for (size_t k = 0; k < bands.size(); ++k) bands[k] = 4 * slots[s + k];
-      Add(out, s, bands, -static_cast<int64_t>(window_.bands / 2), modulation);
+      Reals bands;
+      for (size_t k = 0; k < window_.bands; ++k) bands.push_back(4.0 * slots[s + k]);
+      Add(out, s, bands, {}, -static_cast<int64_t>(window_.bands / 2), modulation);
     }
     return out;
   }
@@ -182,25 +189,27 @@ class ExactSynthesis {
   QmfOutput OfComplex(Turning turning, std::span<const float> slots, double modulation) const {
     QmfOutput out(slots.size() / 2);
     for (size_t s = 0; s < slots.size() / 2; s += window_.bands) {
-      WideArray bands(window_.bands);
-      for (size_t k = 0; k < bands.size(); ++k) {
+      Reals re, im;
+      for (size_t k = 0; k < window_.bands; ++k) {
         const WideComplex band(slots[2 * (s + k)], slots[2 * (s + k) + 1]);
-        bands[k] = 2.0 * Product(band, std::conj(carriers_.Turn(turning, k)));
+        const WideComplex turned = 2.0 * Product(band, std::conj(carriers_.Turn(turning, k)));
+        re.push_back(turned.real());
+        im.push_back(turned.imag());
       }
-      Add(out, s, bands, 0, modulation);
+      Add(out, s, re, im, 0, modulation);
     }
     return out;
   }
 
  private:
   // What a slot adds from sample `start` on.
-  void Add(QmfOutput &out, size_t start, const WideArray &bands, int64_t first,
+  void Add(QmfOutput &out, size_t start, const Reals &re, const Reals &im, int64_t first,
            double modulation) const {
-    const size_t period = 2 * bands.size();
-    std::vector<double> v(period);
+    const size_t period = 2 * size_t{window_.bands};
+    Reals v(period);
     double peak = 0, energy = 0;
     for (size_t n = 0; n < period; ++n) {
-      v[n] = carriers_.OverBands(bands, first + static_cast<int64_t>(n)).real();
+      v[n] = carriers_.OverBands(re, im, first + static_cast<int64_t>(n));
       peak = std::max(peak, std::fabs(v[n]));
       energy += v[n] * v[n];
     }

@@ -56,8 +56,13 @@ class AnalysisWindow {
         even = std::fma(c(5), b(1), even);
         even = std::fma(c(7), in[k], even);
       }
-      sums.odd[k] = window_.order == 5 ? odd : -odd;
+      sums.odd[k] = odd;
       sums.even[k] = even;
+    }
+    // Apart from the fused sums: compilers negate these operand by operand, which loses the sign
+    // of a zero.
+    if (window_.order != 5) {
+      for (float &odd : sums.odd) odd = -odd;
     }
     blocks_.pop_back();
     blocks_.emplace_front(in, in + m);

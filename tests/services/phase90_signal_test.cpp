@@ -105,8 +105,8 @@ TEST_P(Phase90Signal, SineBecomesANegativeCosine) {
   }
 }
 
-// The same, correlated with 2048 samples, which are no whole number of its periods: by as much
-// as these overlap, the amplitude is beside that of the fit.
+// What a plain correlation with 2048 samples gives. They hold no whole number of periods, which
+// moves the amplitude away from that of the fit.
 TEST_P(Phase90Signal, FiguresOfTones) {
   constexpr struct {
     double frequency, amplitude, phase;
