@@ -27,9 +27,10 @@ enum class way { usual, legacy };
 template <way W>
 MVK_INLINE void window(float *u, float *history, std::uint32_t position, const float *prototype,
                        const float *twiddle, const float *in, std::size_t M) {
+  const std::uint32_t oldest = position % mfb_stages;
   float *blocks[mfb_stages];
   for (std::uint32_t j = 0; j < mfb_stages; ++j)
-    blocks[j] = history + (position + j) % mfb_stages * M;
+    blocks[j] = history + (oldest + j) % mfb_stages * M;
   counted<native>(M, [&]<class V>(std::size_t k) {
     const auto c = [=](int tap) { return load_tap<V>(prototype, tap, k); };
     const auto x = [&](int j) { return load<V>(blocks[j] + k); };
