@@ -74,18 +74,19 @@ inline single greater(single a, single b) { return vmaxnmq_f32(a, b); }
 inline binary64 greater(binary64 a, binary64 b) { return vmaxnmq_f64(a, b); }
 #endif
 
-// Measures a chain of v = step(v, x). One is the value of both all along.
+// Measures a chain of v = step(v, x, nought). One is the value of v and x all along.
 template <class V, class Step>
 void enroll_latency(const std::string &operation, Step step) {
   constexpr int unrolled = 10;
   bench::enroll("floor/latency/" + operation, [=](benchmark::State &state) {
     bench::repeat(state, [=] {
-      V v = V{} + 1, x = v;
+      V v = V{} + 1, x = v, nought = V{};
       KEEP_IN_REGISTER(x);
+      KEEP_IN_REGISTER(nought);
       for (int i = 0; i < rounds; ++i) {
 #pragma GCC unroll 10
         for (int j = 0; j < unrolled; ++j) {
-          v = step(v, x);
+          v = step(v, x, nought);
           KEEP_IN_REGISTER(v);
         }
       }
@@ -98,10 +99,10 @@ void enroll_latency(const std::string &operation, Step step) {
 // floor takes the addend's.
 template <class V>
 void enroll_latencies(const std::string &suffix) {
-  enroll_latency<V>("fma" + suffix, [](V v, V x) { return fused(x, x - x, v); });
-  enroll_latency<V>("mul" + suffix, [](V v, V x) { return v * x; });
-  enroll_latency<V>("add" + suffix, [](V v, V x) { return v + (x - x); });
-  enroll_latency<V>("max" + suffix, [](V v, V x) { return greater(v, x); });
+  enroll_latency<V>("fma" + suffix, [](V v, V x, V nought) { return fused(x, nought, v); });
+  enroll_latency<V>("mul" + suffix, [](V v, V x, V) { return v * x; });
+  enroll_latency<V>("add" + suffix, [](V v, V, V nought) { return v + nought; });
+  enroll_latency<V>("max" + suffix, [](V v, V x, V) { return greater(v, x); });
 }
 
 [[maybe_unused]] const bool enrolled = [] {

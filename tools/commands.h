@@ -10,7 +10,9 @@ namespace mvk {
  * if it can't. */
 void add_resample(CLI::App &program);
 void add_limit(CLI::App &program);
+void add_phase90(CLI::App &program);
 void add_spectrum(CLI::App &program);
+void add_bands(CLI::App &program);
 void add_info(CLI::App &program);
 void add_compare(CLI::App &program);
 

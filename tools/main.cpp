@@ -14,7 +14,9 @@ constexpr const char *kFooter =
     "Examples:\n"
     "  mvk resample speech.wav speech-96k.wav --rate 96000\n"
     "  mvk limit speech.wav loud.wav --peak -1dB --boost 12dB\n"
+    "  mvk phase90 speech.wav shifted.wav\n"
     "  mvk spectrum speech.wav speech.png\n"
+    "  mvk bands speech.wav bands.png\n"
     "  mvk compare speech.wav other.wav\n"
     "  mvk info\n\n"
     "'mvk COMMAND --help' tells more about a command. The exit code is 0 on success,\n"
@@ -38,7 +40,9 @@ int run(int argc, char **argv) {
   program.footer(kFooter);
   mvk::add_resample(program);
   mvk::add_limit(program);
+  mvk::add_phase90(program);
   mvk::add_spectrum(program);
+  mvk::add_bands(program);
   mvk::add_info(program);
   mvk::add_compare(program);
   try {

@@ -396,7 +396,7 @@ cairo_status_t write_to(void *closure, const unsigned char *data, unsigned size)
 
 }  // namespace
 
-void require_pictures(const std::string &) {}
+void require_pictures(const std::string &, const std::string &) {}
 
 void draw(const HeatMap &map, OutputFile &file, const std::string &path) {
   Drawing drawing(path);

@@ -43,8 +43,9 @@ struct HeatMap {
 inline constexpr int kPlotWidth = 1070;
 inline constexpr int kPlotHeight = 580;
 
-/* Refuses to write `path` if mvk was built without the means to draw. */
-void require_pictures(const std::string &path);
+/* Refuses to write `path` if mvk was built without the means to draw. `instead` is what
+ * one can do all the same, if anything. */
+void require_pictures(const std::string &path, const std::string &instead);
 
 /* Draws into `file`, which isn't committed. `path` is its name for messages. */
 void draw(const HeatMap &map, OutputFile &file, const std::string &path);

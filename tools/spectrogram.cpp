@@ -22,20 +22,6 @@ std::vector<float> hann_window(std::size_t length) {
   return window;
 }
 
-// Far below the largest float, so that no power overflows.
-constexpr float kGreatest = 0x1p60F;
-static_assert(kHighestLevel / 20.0 * 3.3219280948873623 < 60.0);  // log2(10)
-
-uint64_t silence_unusable(std::span<float> samples) {
-  uint64_t count = 0;
-  for (float &sample : samples) {
-    if (std::fabs(sample) <= kGreatest) continue;
-    sample = 0.0F;
-    ++count;
-  }
-  return count;
-}
-
 float squared_magnitude(const float *number) {
   return number[0] * number[0] + number[1] * number[1];
 }
@@ -43,8 +29,7 @@ float squared_magnitude(const float *number) {
 }  // namespace
 
 Spectrogram::Spectrogram(const Library &library, std::size_t length, int channels)
-    : length_(length),
-      channels_(static_cast<std::size_t>(channels)),
+    : Analyser({length, length / 4, length / 2, 0}, channels),
       transform_(library.find<decltype(MVK_fft_CLfwd_scaledL)>("MVK_fft_CLfwd_scaledL")),
       window_(hann_window(length)),
       windowed_(length),
@@ -63,10 +48,10 @@ Spectrogram::Spectrogram(const Library &library, std::size_t length, int channel
 
 std::span<const float> Spectrogram::powers(const float *frames) {
   std::fill(powers_.begin(), powers_.end(), 0.0F);
-  const std::size_t last = length_ / 2;
-  for (std::size_t c = 0; c < channels_; ++c) {
-    for (std::size_t i = 0; i < length_; ++i) {
-      windowed_[i] = window_[i] * frames[i * channels_ + c];
+  const std::size_t last = length() / 2;
+  for (std::size_t c = 0; c < channels(); ++c) {
+    for (std::size_t i = 0; i < length(); ++i) {
+      windowed_[i] = window_[i] * frames[i * channels() + c];
     }
     transform_(state_, spectrum_.data(), windowed_.data());
     // The ends have no second half at negative frequencies, and are real.
@@ -75,41 +60,8 @@ std::span<const float> Spectrogram::powers(const float *frames) {
     powers_[last] += first_and_last[1] * first_and_last[1];
     for (std::size_t k = 1; k < last; ++k) powers_[k] += squared_magnitude(&spectrum_[2 * k]);
   }
-  for (float &power : powers_) power /= static_cast<float>(channels_);
+  for (float &power : powers_) power /= static_cast<float>(channels());
   return powers_;
-}
-
-Analysed analyse(const AudioInput &input, Spectrogram &spectrogram,
-                 const std::function<void(std::span<const float>)> &take, Progress &progress) {
-  constexpr std::size_t kBlock = 8192;  // frames read at a time
-  const std::size_t channels = spectrogram.channels();
-  const std::size_t hop = spectrogram.hop();
-  const std::size_t window = spectrogram.length() * channels;
-  // Begins half a window ahead of the file.
-  std::vector<float> audio(window / 2);
-  Analysed analysed;
-  sf_count_t centre = 0;  // of the next window
-  bool ended = false;
-  while (!ended || centre < analysed.frames) {
-    const std::size_t kept = audio.size();
-    audio.resize(kept + kBlock * channels);
-    if (!ended) {
-      const sf_count_t got = read_frames(input, &audio[kept], kBlock);
-      analysed.frames += got;
-      analysed.silenced += silence_unusable(std::span(audio).subspan(kept));
-      ended = got < static_cast<sf_count_t>(kBlock);
-      if (ended) check_complete(input, analysed.frames);
-    }
-    std::size_t at = 0;
-    while (at + window <= audio.size() && (!ended || centre < analysed.frames)) {
-      take(spectrogram.powers(&audio[at]));
-      at += hop * channels;
-      centre += static_cast<sf_count_t>(hop);
-    }
-    audio.erase(audio.begin(), audio.begin() + static_cast<std::ptrdiff_t>(at));
-    progress.show(static_cast<uint64_t>(analysed.frames));
-  }
-  return analysed;
 }
 
 }  // namespace mvk

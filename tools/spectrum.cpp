@@ -1,22 +1,19 @@
 /* mvk spectrum: the levels of a file's frequencies over time, as a picture or numbers. */
 #include <algorithm>
 #include <array>
-#include <cctype>
 #include <cerrno>
 #include <charconv>
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
-#include <filesystem>
 #include <memory>
 #include <span>
 #include <string>
 #include <string_view>
-#include <utility>
-#include <vector>
 
+#include "analysis.h"
 #include "audio_input.h"
-#include "columns.h"
+#include "choice.h"
 #include "commands.h"
 #include "component.h"
 #include "files.h"
@@ -37,12 +34,6 @@ struct Options {
   std::string library;
   bool quiet = false;
 };
-
-constexpr double kLowestLevel = -200.0;
-
-double level_of(double power) {
-  return power > 0.0 ? std::max(10.0 * std::log10(power), kLowestLevel) : kLowestLevel;
-}
 
 // ---- Numbers ----
 
@@ -100,7 +91,7 @@ Analysed write_table(const AudioInput &input, Spectrogram &spectrogram, OutputFi
   uint64_t hop = 0;
   const auto add_row = [&](std::span<const float> powers) {
     constexpr double kSteps = 1000.0;  // of a decibel
-    table.add(static_cast<double>(hop++ * spectrogram.hop()) / rate, 9);
+    table.add(static_cast<double>(hop++ * spectrogram.framing().hop) / rate, 9);
     for (const float power : powers) {
       // Adding 0 turns a negative zero into a plain one.
       table.add(std::round(level_of(power) * kSteps) / kSteps + 0.0, 3);
@@ -114,92 +105,35 @@ Analysed write_table(const AudioInput &input, Spectrogram &spectrogram, OutputFi
 
 // ---- Picture ----
 
-std::string subtitle(const AudioInput &input, const Spectrogram &spectrogram, double seconds) {
-  const double milliseconds = 1000.0 / input.info.samplerate;
-  char text[256];
-  std::snprintf(text, sizeof text,
-                "%d Hz, %d channel%s, %.3f s; Hann window of %zu samples (%.3g ms), hop %zu",
-                input.info.samplerate, input.info.channels, input.info.channels == 1 ? "" : "s",
-                seconds, spectrogram.length(),
-                static_cast<double>(spectrogram.length()) * milliseconds, spectrogram.hop());
-  return text;
-}
-
-// A hundred decibels, which end with the whole ten above the loudest.
-Axis colour_scale(const std::vector<float> &levels) {
-  constexpr double kRange = 100.0;
-  constexpr double kSlack = 0.5;  // a level of 0 may be a little more by rounding
-  const double loudest = *std::max_element(levels.begin(), levels.end());
-  const double top =
-      std::max(10.0 * std::ceil((loudest - kSlack) / 10.0), kLowestLevel + kRange) + 0.0;
-  return {"Level (dBFS)", top - kRange, top};
-}
-
 Analysed draw_picture(const AudioInput &input, Spectrogram &spectrogram, OutputFile &file,
                       const std::string &path, Progress progress) {
-  // Twice the width, so that the groups are finer than a pixel.
-  Columns columns(spectrogram.bins(), std::size_t{2} * kPlotWidth);
-  const Analysed analysed = analyse(
-      input, spectrogram, [&](std::span<const float> powers) { columns.add(powers); }, progress);
-  if (analysed.frames == 0) return analysed;
-
-  std::vector<float> levels(columns.values().size());
-  std::transform(columns.values().begin(), columns.values().end(), levels.begin(),
-                 [](float power) { return static_cast<float>(level_of(power)); });
   const double rate = input.info.samplerate;
-  const double seconds = static_cast<double>(analysed.frames) / rate;
-  const double kilohertz = rate / 1000.0;
-  const double hop = static_cast<double>(spectrogram.hop()) / rate;
-  const double bin = kilohertz / static_cast<double>(spectrogram.length());
-  const HeatMap map{
-      std::filesystem::path(input.name).filename().string(),
-      subtitle(input, spectrogram, seconds),
-      {"Time", 0.0, seconds, Axis::Marks::kTimes},
-      {"Frequency (kHz)", 0.0, kilohertz / 2.0},
-      colour_scale(levels),
-      {-hop / 2.0, hop * static_cast<double>(columns.group()), columns.count()},
-      {-bin / 2.0, bin, spectrogram.bins()},
-      std::move(levels),
-  };
-  draw(map, file, path);
-  return analysed;
+  const auto length = static_cast<double>(spectrogram.length());
+  char method[128];
+  std::snprintf(method, sizeof method, "Hann window of %zu samples (%.3g ms), hop %zu",
+                spectrogram.length(), length * (1000.0 / rate), spectrogram.framing().hop);
+  const double bin = rate / 1000.0 / length;
+  return draw_levels(input, spectrogram, method, {-bin / 2.0, bin, spectrogram.bins()}, file, path,
+                     progress);
 }
 
 // ---- The command ----
 
 constexpr std::array kLengths = {32, 64, 128, 256, 512, 1024, 2048, 4096};
 
-std::string length_choices() {
-  std::string list;
-  for (const int length : kLengths) {
-    if (length != kLengths.front()) list += length == kLengths.back() ? " or " : ", ";
-    list += std::to_string(length);
-  }
-  return list;
-}
-
-std::size_t parse_length(const std::string &text) {
-  for (const int length : kLengths) {
-    if (text == std::to_string(length)) return static_cast<std::size_t>(length);
-  }
-  refuse("--length '" + text + "' isn't one of " + length_choices() + " samples");
-}
-
 bool wants_picture(const std::string &path) {
-  std::string name = path;
-  std::transform(name.begin(), name.end(), name.begin(),
-                 [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-  const bool picture = name.ends_with(".png");
-  if (!picture && !name.ends_with(".csv")) {
+  const bool picture = is_named(path, ".png");
+  if (!picture && !is_named(path, ".csv")) {
     refuse("OUT is '" + path + "', but must end with .png for a picture or .csv for numbers");
   }
   return picture;
 }
 
 void spectrum(const Options &options) {
-  const std::size_t length = parse_length(options.length);
+  const auto length =
+      static_cast<std::size_t>(parse_choice("--length", options.length, kLengths, "samples"));
   const bool picture = wants_picture(options.out);
-  if (picture) require_pictures(options.out);
+  if (picture) require_pictures(options.out, "name a .csv file");
   const AudioInput input = open_audio(options.in);
   const Library library(options.library);
   Spectrogram spectrogram(library, length, input.info.channels);
@@ -218,11 +152,7 @@ void spectrum(const Options &options) {
                                 : write_table(input, spectrogram, file, progress());
   if (analysed.frames == 0) fail(input.name + " holds no audio; there is nothing to show");
   file.commit();
-  if (!options.quiet && analysed.silenced > 0) {
-    complain("note: " + std::to_string(analysed.silenced) +
-             " samples aren't finite numbers, or lie beyond " + std::to_string(kHighestLevel) +
-             " dBFS; they count as silence");
-  }
+  if (!options.quiet) note_silenced(analysed.silenced);
 }
 
 }  // namespace
@@ -237,7 +167,7 @@ void add_spectrum(CLI::App &program) {
       ->required();
   command
       ->add_option("-n,--length", options->length,
-                   "Samples of the window: " + length_choices() + "; 1024 if not given")
+                   "Samples of the window: " + listed(kLengths) + "; 1024 if not given")
       ->type_name("N");
   command->add_option("--library", options->library, "The shared library")->type_name("PATH");
   command->add_flag("-q,--quiet", options->quiet, "Print errors only");

@@ -1,18 +1,16 @@
 // The pictures that mvk spectrum draws.
 #ifdef MVK_PICTURES
 
-#include <cairo.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cmath>
-#include <cstdint>
 #include <functional>
 #include <numbers>
-#include <stdexcept>
 
 #include "host/audio.h"
 #include "host/folder.h"
+#include "host/picture.h"
 #include "host/process.h"
 
 namespace host {
@@ -20,90 +18,6 @@ namespace {
 
 constexpr int kFloat = SF_FORMAT_WAV | SF_FORMAT_FLOAT;
 constexpr int kRate = 48000;
-
-struct Box {
-  int left;
-  int top;
-  int width;
-  int height;
-};
-
-constexpr int kWidth = 1280;
-constexpr int kHeight = 720;
-constexpr Box kPlot{80, 70, 1070, 580};
-constexpr Box kLegend{1180, 70, 18, 580};
-constexpr Box kTitle{80, 12, 1200, 26};
-constexpr Box kSubtitle{80, 42, 1200, 18};
-
-struct Colour {
-  int red;
-  int green;
-  int blue;
-
-  int brightness() const { return red + green + blue; }
-  bool operator==(const Colour &) const = default;
-};
-
-constexpr Colour kPaper{255, 255, 255};
-
-class Picture {
- public:
-  explicit Picture(const std::string &path) {
-    cairo_surface_t *surface = cairo_image_surface_create_from_png(path.c_str());
-    const cairo_status_t status = cairo_surface_status(surface);
-    if (status != CAIRO_STATUS_SUCCESS) throw std::runtime_error(cairo_status_to_string(status));
-    width_ = cairo_image_surface_get_width(surface);
-    height_ = cairo_image_surface_get_height(surface);
-    const int stride = cairo_image_surface_get_stride(surface);
-    const unsigned char *data = cairo_image_surface_get_data(surface);
-    for (int y = 0; y < height_; ++y) {
-      const auto *line = reinterpret_cast<const uint32_t *>(data + y * stride);
-      pixels_.insert(pixels_.end(), line, line + width_);
-    }
-    cairo_surface_destroy(surface);
-  }
-
-  int width() const { return width_; }
-  int height() const { return height_; }
-
-  Colour at(int x, int y) const {
-    const uint32_t pixel = pixels_.at(static_cast<std::size_t>(y * width_ + x));
-    return {static_cast<int>(pixel >> 16 & 0xFF), static_cast<int>(pixel >> 8 & 0xFF),
-            static_cast<int>(pixel & 0xFF)};
-  }
-
-  bool blank(const Box &box) const {
-    for (int y = box.top; y < box.top + box.height; ++y) {
-      for (int x = box.left; x < box.left + box.width; ++x) {
-        if (x < width_ && at(x, y) != kPaper) return false;
-      }
-    }
-    return true;
-  }
-
-  // A row of the plot from the bottom, and a column from the left.
-  Colour plot(int column, int row) const {
-    return at(kPlot.left + column, kPlot.top + kPlot.height - 1 - row);
-  }
-
-  // The rows of the brightest pixels in a column of the plot.
-  std::vector<int> brightest_rows(int column) const {
-    std::vector<int> rows;
-    int most = -1;
-    for (int row = 0; row < kPlot.height; ++row) {
-      const int brightness = plot(column, row).brightness();
-      if (brightness > most) rows.clear();
-      if (brightness >= most) rows.push_back(row);
-      most = std::max(most, brightness);
-    }
-    return rows;
-  }
-
- private:
-  int width_ = 0;
-  int height_ = 0;
-  std::vector<uint32_t> pixels_;
-};
 
 using Signal = std::function<double(int frame)>;
 
@@ -291,17 +205,10 @@ TEST_F(SpectrumPicture, LevelHasTheColourOfTheLegend) {
     const Picture drawn = picture();
     const double top = 10 * std::ceil(loudest / 10);
     const auto expect_level = [&](int step, int bin, double level) {
-      const double pixel = (top - level) / 100 * kLegend.height;
-      const Colour expected =
-          drawn.at(kLegend.left + kLegend.width / 2,
-                   kLegend.top + std::clamp(static_cast<int>(pixel), 0, kLegend.height - 1));
-      const Colour seen = drawn.plot((2 * step + 1) * kPlot.width / 8,
-                                     static_cast<int>(bin * 2.0 * kPlot.height / 1024));
-      // A pixel of the legend is a sixth of a decibel, in which no part changes by more
-      // than 1.
-      EXPECT_NEAR(seen.red, expected.red, 2) << level;
-      EXPECT_NEAR(seen.green, expected.green, 2) << level;
-      EXPECT_NEAR(seen.blue, expected.blue, 2) << level;
+      SCOPED_TRACE(level);
+      expect_near(drawn.plot((2 * step + 1) * kPlot.width / 8,
+                             static_cast<int>(bin * 2.0 * kPlot.height / 1024)),
+                  drawn.legend(level, top));
     };
     for (int step = 0; step < 4; ++step) {
       expect_level(step, 128, loudest);

@@ -1,0 +1,169 @@
+// What mvk bands refuses, what it can't do, and how it takes its options.
+#include <gtest/gtest.h>
+
+#include "host/audio.h"
+#include "host/folder.h"
+#include "host/process.h"
+
+namespace host {
+namespace {
+
+constexpr int kWav16 = SF_FORMAT_WAV | SF_FORMAT_PCM_16;
+
+// Every run leaves what was there: the input, and old outputs that are whole.
+class BandsUsage : public testing::Test {
+ protected:
+  BandsUsage() {
+    write_audio(in_, tones(kWav16, 48000, 2, 3000));
+    write_bytes(wav_, "the old output");
+    write_bytes(png_, "the old output");
+  }
+
+  // The message of a run that ends with this code.
+  std::string message(int exit_code, std::vector<std::string> arguments,
+                      const Environment &environment = {}) {
+    arguments.insert(arguments.begin(), "bands");
+    const Outcome outcome = run(arguments, environment);
+    EXPECT_EQ(outcome.exit_code, exit_code) << outcome.err;
+    EXPECT_EQ(outcome.out, "");
+    for (const std::string &name : folder_.names()) {
+      EXPECT_TRUE(name.starts_with("out.") || name.starts_with("in.")) << name << " is left";
+      if (name.starts_with("out.")) {
+        EXPECT_EQ(read_bytes(folder_.file(name)), "the old output");
+      }
+    }
+    return outcome.err;
+  }
+
+  // What a run without --roundtrip begins with, and one with it.
+  std::vector<std::vector<std::string>> both_ways(const std::string &in) const {
+    std::vector<std::vector<std::string>> ways = {{"--roundtrip", in, wav_}};
+#ifdef MVK_PICTURES
+    ways.push_back({in, png_});
+#endif
+    return ways;
+  }
+
+  const Folder folder_;
+  const std::string in_ = folder_.file("in.wav");
+  const std::string wav_ = folder_.file("out.wav");
+  const std::string png_ = folder_.file("out.png");
+};
+
+TEST_F(BandsUsage, FilesAreRequired) {
+  EXPECT_EQ(message(2, {}), "mvk: IN is required; see 'mvk bands --help'\n");
+  EXPECT_EQ(message(2, {in_}), "mvk: OUT is required; see 'mvk bands --help'\n");
+  EXPECT_EQ(message(2, {"--roundtrip", in_}), "mvk: OUT is required; see 'mvk bands --help'\n");
+}
+
+TEST_F(BandsUsage, OtherNumbersOfBandsAreRefusedWithThoseThatThereAre) {
+  for (const char *bands :
+       {"0", "1", "4", "7", "9", "24", "63", "65", "128", "-64", "32.0", "064", "many", ""}) {
+    for (std::vector<std::string> arguments :
+         {std::vector{in_, png_}, {"--roundtrip", in_, wav_}}) {
+      arguments.insert(arguments.end(), {"--bands", bands});
+      EXPECT_EQ(message(2, arguments), std::string("mvk: --bands '") + bands +
+                                           "' isn't one of 8, 16, 32, 48 or 64 subbands\n");
+    }
+  }
+}
+
+TEST_F(BandsUsage, PictureIsAPng) {
+  for (const std::string &out : {wav_, folder_.file("in.png.wav"), folder_.path(),
+                                 std::string("png"), std::string("-"), folder_.file("x.png/")}) {
+    EXPECT_EQ(message(2, {in_, out}), "mvk: OUT is '" + out +
+                                          "', but must end with .png for a picture; "
+                                          "--roundtrip writes audio\n");
+  }
+}
+
+TEST_F(BandsUsage, FormatIsThatOfAudio) {
+  EXPECT_EQ(message(2, {in_, png_, "--format", "wav"}),
+            "mvk: --format requires --roundtrip; see 'mvk bands --help'\n");
+  EXPECT_EQ(message(2, {"--roundtrip", in_, wav_, "--format", "flac:float"}),
+            "mvk: flac:float doesn't exist; this container takes s8 s16 s24\n");
+}
+
+TEST_F(BandsUsage, FilesThatCantBeReadAreNamed) {
+  const std::string nowhere = folder_.file("in.nowhere");
+  const std::string text = folder_.file("in.text");
+  write_bytes(text, "This is a letter, not a song.");
+  for (const auto &[file, problem] :
+       {std::pair<std::string, std::string>{nowhere, "mvk: can't open " + nowhere + ": "},
+        {text, "mvk: " + text + " can't be read as audio: "},
+        {folder_.path(), "mvk: " + folder_.path() + " is a folder"}}) {
+    for (const auto &arguments : both_ways(file)) {
+      EXPECT_EQ(message(1, arguments).find(problem), 0U);
+    }
+  }
+}
+
+TEST_F(BandsUsage, CutOffFileIsntTakenForWhole) {
+  const std::string flac = folder_.file("in.flac");
+  write_audio(flac, tones(SF_FORMAT_FLAC | SF_FORMAT_PCM_16, 48000, 1, 20000));
+  truncate_to(flac, 0.6);
+  for (const auto &arguments : both_ways(flac)) {
+    const std::string error = message(1, arguments);
+    EXPECT_EQ(error.find("mvk: can't read " + flac + ": "), 0U) << error;
+    EXPECT_NE(error.find(" It is cut off or damaged\n"), std::string::npos) << error;
+  }
+}
+
+TEST_F(BandsUsage, FullDiskIsReported) {
+  for (const auto &arguments : both_ways(in_)) {
+    for (const rlim_t limit : {100U, 5000U}) {
+      Environment environment;
+      environment.file_size_limit = limit;
+      EXPECT_EQ(message(1, arguments, environment),
+                "mvk: can't write " + arguments.back() + ": File too large; nothing was changed\n");
+    }
+  }
+}
+
+TEST_F(BandsUsage, PlacesThatCantBeWrittenAreNamed) {
+  for (auto arguments : both_ways(in_)) {
+    arguments.back() = folder_.file("nowhere/") + (arguments.size() == 2 ? "x.png" : "x.wav");
+    EXPECT_EQ(message(1, arguments),
+              "mvk: can't write " + arguments.back() +
+                  ": No such file or directory; check the folder and its permissions\n");
+  }
+  EXPECT_EQ(message(2, {"--roundtrip", in_, folder_.path()}),
+            "mvk: " + folder_.path() + " is a folder; name a file in it\n");
+}
+
+TEST_F(BandsUsage, WrongLibraryIsNamed) {
+  for (auto arguments : both_ways(in_)) {
+    arguments.insert(arguments.end(), {"--library", "libm.so.6"});
+    const std::string error = message(1, arguments);
+    EXPECT_EQ(error.find("mvk: libm.so.6 doesn't export MVK_"), 0U) << error;
+    arguments.back() = folder_.file("in.so");
+    EXPECT_EQ(message(1, arguments).find("mvk: can't load the library: "), 0U);
+  }
+  EXPECT_EQ(run({"bands", "--roundtrip", in_, "-", "--library", MVK_LIBRARY}).exit_code, 0);
+}
+
+TEST_F(BandsUsage, HelpShowsExamplesBandsAndUnits) {
+  const Outcome outcome = run({"bands", "--help"});
+  EXPECT_EQ(outcome.exit_code, 0);
+  EXPECT_EQ(outcome.err, "");
+  for (const char *part : {"Usage: mvk bands", "Examples:\n  mvk bands ", "mvk bands --roundtrip ",
+                           ".png", "--bands", "8, 16, 32, 48 or 64", "dBFS", " flac ", " s16 "}) {
+    EXPECT_NE(outcome.out.find(part), std::string::npos) << part;
+  }
+  EXPECT_NE(run({"--help"}).out.find("mvk bands "), std::string::npos);
+}
+
+#ifdef MVK_PICTURES
+TEST_F(BandsUsage, AudioOfNoFramesShowsNothing) {
+  write_audio(in_, Audio{kWav16, 48000, 1, {}});
+  EXPECT_EQ(message(1, {in_, png_}), "mvk: " + in_ + " holds no audio; there is nothing to show\n");
+}
+#else
+TEST_F(BandsUsage, PictureCantBeDrawnWithoutCairo) {
+  EXPECT_EQ(message(2, {in_, png_}), "mvk: this mvk was built without cairo and can't draw " +
+                                         png_ + "; install libcairo2-dev and build it again\n");
+}
+#endif
+
+}  // namespace
+}  // namespace host

@@ -1,0 +1,121 @@
+// What mvk phase90 refuses, what it can't do, and how it takes its options.
+#include <gtest/gtest.h>
+
+#include "host/audio.h"
+#include "host/folder.h"
+#include "host/process.h"
+
+namespace host {
+namespace {
+
+constexpr int kWav16 = SF_FORMAT_WAV | SF_FORMAT_PCM_16;
+
+// Every run leaves what was there: the input, and an old output that is whole.
+class Phase90Usage : public testing::Test {
+ protected:
+  Phase90Usage() {
+    write_audio(in_, tones(kWav16, 48000, 2, 3000));
+    write_bytes(out_, "the old output");
+  }
+
+  // The message of a run that ends with this code.
+  std::string message(int exit_code, std::vector<std::string> arguments,
+                      const Environment &environment = {}) {
+    arguments.insert(arguments.begin(), "phase90");
+    const Outcome outcome = run(arguments, environment);
+    EXPECT_EQ(outcome.exit_code, exit_code) << outcome.err;
+    EXPECT_EQ(outcome.out, "");
+    EXPECT_EQ(read_bytes(out_), "the old output");
+    for (const std::string &name : folder_.names()) {
+      EXPECT_TRUE(name == "out.wav" || name.starts_with("in.")) << name << " is left";
+    }
+    return outcome.err;
+  }
+
+  const Folder folder_;
+  const std::string in_ = folder_.file("in.wav");
+  const std::string out_ = folder_.file("out.wav");
+};
+
+TEST_F(Phase90Usage, FilesAreRequired) {
+  EXPECT_EQ(message(2, {}), "mvk: IN is required; see 'mvk phase90 --help'\n");
+  EXPECT_EQ(message(2, {in_}), "mvk: OUT is required; see 'mvk phase90 --help'\n");
+}
+
+TEST_F(Phase90Usage, FrameThatThereIsNoneOfListsThoseThatThereAre) {
+  for (const char *frame : {"0", "1", "256", "511", "1000", "4096", "66048", "4294967295"}) {
+    EXPECT_EQ(message(2, {in_, out_, "--frame", frame}),
+              std::string("mvk: the phase shifter has no frames of ") + frame +
+                  " samples; use --frame 512, 1024 or 2048\n");
+  }
+  for (const char *text : {"-512", "512.5", "long"}) {
+    EXPECT_EQ(
+        message(2, {in_, out_, "--frame", text}),
+        std::string("mvk: Could not convert: --frame = ") + text + "; see 'mvk phase90 --help'\n");
+  }
+}
+
+TEST_F(Phase90Usage, FilesThatCantBeReadAreNamed) {
+  const std::string nowhere = folder_.file("in.nowhere");
+  const std::string text = folder_.file("in.text");
+  write_bytes(text, "This is a letter, not a song.");
+  for (const auto &[file, problem] :
+       {std::pair<std::string, std::string>{nowhere, "mvk: can't open " + nowhere + ": "},
+        {text, "mvk: " + text + " can't be read as audio: "},
+        {folder_.path(), "mvk: " + folder_.path() + " is a folder"}}) {
+    EXPECT_EQ(message(1, {file, out_}).find(problem), 0U);
+  }
+}
+
+TEST_F(Phase90Usage, CutOffFileIsntTakenForWhole) {
+  const std::string flac = folder_.file("in.flac");
+  write_audio(flac, tones(SF_FORMAT_FLAC | SF_FORMAT_PCM_16, 48000, 1, 20000));
+  truncate_to(flac, 0.6);
+  const std::string error = message(1, {flac, out_});
+  EXPECT_EQ(error.find("mvk: can't read " + flac + ": "), 0U) << error;
+  EXPECT_NE(error.find(" It is cut off or damaged\n"), std::string::npos) << error;
+}
+
+TEST_F(Phase90Usage, FullDiskIsReported) {
+  for (const rlim_t limit : {5000U, 12043U}) {
+    Environment environment;
+    environment.file_size_limit = limit;
+    EXPECT_EQ(message(1, {in_, out_}, environment),
+              "mvk: can't write " + out_ + ": File too large; nothing was changed\n");
+  }
+}
+
+TEST_F(Phase90Usage, FolderIsNoOutput) {
+  EXPECT_EQ(message(2, {in_, folder_.path()}),
+            "mvk: " + folder_.path() + " is a folder; name a file in it\n");
+}
+
+TEST_F(Phase90Usage, FormatThatDoesntExistIsRefused) {
+  EXPECT_EQ(message(2, {in_, out_, "--format", "flac:float"}),
+            "mvk: flac:float doesn't exist; this container takes s8 s16 s24\n");
+}
+
+TEST_F(Phase90Usage, WrongLibraryIsNamed) {
+  const std::string error = message(1, {in_, out_, "--library", "libm.so.6"});
+  EXPECT_EQ(error.find("mvk: libm.so.6 doesn't export "), 0U) << error;
+  EXPECT_NE(error.find("_Phase90Hilbert"), std::string::npos) << error;
+  EXPECT_EQ(message(1, {in_, out_, "--library", folder_.file("in.so")})
+                .find("mvk: can't load the library: "),
+            0U);
+  const Outcome right = run({"phase90", in_, "-", "--library", MVK_LIBRARY});
+  EXPECT_EQ(right.exit_code, 0) << right.err;
+}
+
+TEST_F(Phase90Usage, HelpShowsExamplesFramesAndFormats) {
+  const Outcome outcome = run({"phase90", "--help"});
+  EXPECT_EQ(outcome.exit_code, 0);
+  EXPECT_EQ(outcome.err, "");
+  for (const char *part : {"Usage: mvk phase90", "Examples:\n  mvk phase90 ", "90 degrees",
+                           "--frame", " flac ", " s16 "}) {
+    EXPECT_NE(outcome.out.find(part), std::string::npos) << part;
+  }
+  EXPECT_NE(run({"--help"}).out.find("mvk phase90 "), std::string::npos);
+}
+
+}  // namespace
+}  // namespace host
