@@ -18,6 +18,12 @@ option(MVK_LINT "Test the format and the lint of the sources" OFF)
 option(MVK_BENCH "Build the benchmarks" OFF)
 option(MVK_COVERAGE "Count the lines that run" OFF)
 
+set(tested_here ${MVK_TESTS})
+if(MVK_TESTED_ELSEWHERE)
+  set(tested_here OFF)
+endif()
+option(MVK_EXAMPLES "Build the examples" ${tested_here})
+
 if(MVK_SIMD STREQUAL auto)
   if(CMAKE_SYSTEM_PROCESSOR MATCHES "^(aarch64|arm64)$")
     set(MVK_SIMD_BACKEND neon)

@@ -19,6 +19,19 @@ template <int N, class Body>
   unrolled(body, std::make_integer_sequence<int, N>{});
 }
 
+// As `counted` below, but for what is left over of four: n without it is returned.
+template <class Widest = f32x8, class Body>
+[[gnu::always_inline]] inline std::size_t counted_fours(std::size_t n, Body body) {
+  std::size_t i = 0;
+  if constexpr (lanes<Widest> == 8) {
+    for (; i + 32 <= n; i += 32)
+      unrolled<4>([&](auto k) { body.template operator()<f32x8>(i + 8 * k); });
+    for (; i + 8 <= n; i += 8) body.template operator()<f32x8>(i);
+  }
+  for (; i + 4 <= n; i += 4) body.template operator()<f32x4>(i);
+  return i;
+}
+
 // Runs body.operator()<V>(i) over samples i to i + lanes<V> - 1 until n samples
 // are done: in eights, then in fours, then one at a time, beginning with the
 // widest that is asked for. No sample is visited twice, so a body may work in
@@ -29,13 +42,7 @@ template <int N, class Body>
 template <class Widest = f32x8, class Body>
 [[gnu::always_inline]] inline void counted(std::size_t n, Body body) {
   std::size_t i = 0;
-  if constexpr (lanes<Widest> == 8) {
-    for (; i + 32 <= n; i += 32)
-      unrolled<4>([&](auto k) { body.template operator()<f32x8>(i + 8 * k); });
-    for (; i + 8 <= n; i += 8) body.template operator()<f32x8>(i);
-  }
-  if constexpr (lanes<Widest> >= 4)
-    for (; i + 4 <= n; i += 4) body.template operator()<f32x4>(i);
+  if constexpr (lanes<Widest> >= 4) i = counted_fours<Widest>(n, body);
   for (; i < n; ++i) body.template operator()<float>(i);
 }
 

@@ -31,7 +31,7 @@ MVK_INLINE void window(float *u, float *history, std::uint32_t position, const f
   float *blocks[mfb_stages];
   for (std::uint32_t j = 0; j < mfb_stages; ++j)
     blocks[j] = history + (oldest + j) % mfb_stages * M;
-  counted<native>(M, [&]<class V>(std::size_t k) {
+  counted_fours<native>(M, [&]<class V>(std::size_t k) {
     const auto c = [=](int tap) { return load_tap<V>(prototype, tap, k); };
     const auto x = [&](int j) { return load<V>(blocks[j] + k); };
     const V newest =

@@ -49,31 +49,64 @@ constexpr form even_3 = {minus_im, minus_re, true, true, true};
 
 // ---- Window -------------------------------------------------------------------
 
-// Stages of samples k, k + 1 and so on stand one after the other, a vector each. Returns the sum
-// that leaves, at half its level. Bounded by the loads of stages and taps.
-template <bool taps_reversed, class V>
-MVK_INLINE V delay_line(float *history, const float *prototype, std::size_t k, V u, V v) {
+// Each four samples have their nine stages one after the other. Returns the sums that leave, at
+// half their level. Bounded by the loads of stages and taps, and in eight lanes by the number of
+// instructions: so these take two terms of four samples at once.
+template <bool taps_reversed>
+MVK_INLINE f32x4 delay_line(float *history, const float *prototype, std::size_t k, f32x4 u,
+                            f32x4 v) {
   float *const stages = history + mfb_stages * k;
-  const V minus_u = -u, minus_v = -v;
+  const float *const taps = prototype + mfb_taps * k;
   const auto c = [=](int term) {
-    return load_tap<V>(prototype, taps_reversed ? mfb_taps - 1 - term : term, k);
+    return load<f32x4>(taps + 4 * (taps_reversed ? mfb_taps - 1 - term : term));
   };
-  const auto x = [=](int term) {
+  const auto x = [=, minus_u = -u, minus_v = -v](int term) {
     const bool negative = (term + 1) / 2 % 2 == 0;
     return term % 2 ? (negative ? minus_v : v) : (negative ? minus_u : u);
   };
-  const V out = fma(c(0), x(0), load<V>(stages));
+  const f32x4 out = fma(c(0), x(0), load<f32x4>(stages));
   unrolled<mfb_stages - 1>([&](auto j) {
-    store(stages + j * lanes<V>, fma(c(j + 1), x(j + 1), load<V>(stages + (j + 1) * lanes<V>)));
+    store(stages + 4 * j, fma(c(j + 1), x(j + 1), load<f32x4>(stages + 4 * (j + 1))));
   });
-  store(stages + (mfb_stages - 1) * lanes<V>, c(mfb_stages) * x(mfb_stages));
+  store(stages + 4 * (mfb_stages - 1), c(mfb_stages) * x(mfb_stages));
   return out;
+}
+template <bool taps_reversed>
+MVK_INLINE f32x4 delay_line_by_pairs(float *history, const float *prototype, std::size_t k,
+                                     f32x8 minus_u_v) {
+  float *const stages = history + mfb_stages * k;
+  const float *const taps = prototype + mfb_taps * k;
+  const auto c = [=](int term) {
+    return taps_reversed ? swap_halves(load<f32x8>(taps + 4 * (mfb_taps - 2 - term)))
+                         : load<f32x8>(taps + 4 * term);
+  };
+  // Terms 0 and 1 have signs - and +, 2 and 3 the opposite, and so on. What comes behind the last
+  // stage is -0, which leaves every sum as it is.
+  const f32x8 u_minus_v = -minus_u_v;
+  const f32x8 first = fma(c(0), minus_u_v, load<f32x8>(stages));
+  store(stages, upper(first));
+  unrolled<mfb_taps / 2 - 1>([&](auto i) {
+    constexpr int term = 2 * i + 2;
+    const f32x8 ahead = term < mfb_stages - 1 ? load<f32x8>(stages + 4 * term)
+                                              : both(load<f32x4>(stages + 4 * term), f32x4(-0.0f));
+    store(stages + 4 * (term - 1), fma(c(term), i % 2 ? minus_u_v : u_minus_v, ahead));
+  });
+  return lower(first);
+}
+template <bool taps_reversed>
+MVK_INLINE f32x8 delay_line(float *history, const float *prototype, std::size_t k, f32x8 u,
+                            f32x8 v) {
+  const f32x8 minus_u = -u;
+  return both(
+      delay_line_by_pairs<taps_reversed>(history, prototype, k, both(lower(minus_u), lower(v))),
+      delay_line_by_pairs<taps_reversed>(history, prototype, k + 4,
+                                         both(upper(minus_u), upper(v))));
 }
 
 template <form F>
 MVK_INLINE void window(float *out, float *history, const float *prototype, const float *twiddle,
                        const float *bins, std::size_t M) {
-  counted<native>(M, [=]<class V>(std::size_t k) {
+  counted_fours<native>(M, [=]<class V>(std::size_t k) {
     const std::size_t mirrored = M - lanes<V> - k, bin = F.bins_reversed ? mirrored : k;
     const cpx<V> turned = load_complex<V>(bins + 2 * bin) * load_rotation<V>(twiddle, bin);
     const cpx<V> z = F.bins_reversed ? reversed(turned) : turned;

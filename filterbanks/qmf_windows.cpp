@@ -45,7 +45,7 @@ MVK_INLINE void window_blocks(float **slot_ptr, const float *prototype, const fl
   const float *blocks[2 * P] = {in};
   unrolled<2 * P - 1>([&](auto j) { blocks[j + 1] = slot_ptr[j]; });
   float *const oldest = slot_ptr[2 * P - 2];
-  counted<native>(M, [&]<class V>(std::size_t k) {
+  counted_fours<native>(M, [&]<class V>(std::size_t k) {
     const folded<V> sums = window<P, V>(prototype, blocks, M, k);
     store(oldest + k, load<V>(in + k));
     fold(k, sums);
@@ -118,7 +118,7 @@ MVK_INLINE V delay_line(float *history, const float *prototype, std::size_t M, s
 template <int P>
 MVK_INLINE void synthesise_real(float *out, float *history, const float *prototype,
                                 const float *scratch, std::size_t M) {
-  counted<native>(M, [=]<class V>(std::size_t k) {
+  counted_fours<native>(M, [=]<class V>(std::size_t k) {
     const V y =
         delay_line<P, V>(history, prototype, M, k, load<V>(scratch + k), load<V>(scratch + M + k));
     store(out + k, y + y);
@@ -128,7 +128,7 @@ MVK_INLINE void synthesise_real(float *out, float *history, const float *prototy
 template <int P, bool half>
 MVK_INLINE void synthesise_complex(float *out, float *history, const float *prototype,
                                    const float *cos_table, const float *scratch, std::size_t M) {
-  counted<native>(M, [=]<class V>(std::size_t k) {
+  counted_fours<native>(M, [=]<class V>(std::size_t k) {
     const cpx<V> u = load_complex<V>(scratch + 2 * k);
     const cpx<V> c = load_rotation<V>(cos_table, k);
     const V a = fma(u.im, c.re, u.re * c.im), b = fms(u.re, c.re, u.im * c.im);

@@ -212,6 +212,7 @@ inline f32x8 with_lanes04(f32x8 a, f32x8 b) { return {_mm256_blend_ps(b.v, a.v, 
 inline f32x4 lower(f32x8 a) { return {_mm256_castps256_ps128(a.v)}; }
 inline f32x4 upper(f32x8 a) { return {_mm256_extractf128_ps(a.v, 1)}; }
 inline f32x8 both(f32x4 lo, f32x4 hi) { return {_mm256_set_m128(hi.v, lo.v)}; }
+inline f32x8 swap_halves(f32x8 a) { return {_mm256_permute2f128_ps(a.v, a.v, 1)}; }
 
 struct f64x2 {
   __m128d v;

@@ -95,6 +95,7 @@ inline f32x8 with_lanes04(f32x8 a, f32x8 b) {
 inline f32x4 lower(f32x8 a) { return a.lo; }
 inline f32x4 upper(f32x8 a) { return a.hi; }
 inline f32x8 both(f32x4 lo, f32x4 hi) { return {lo, hi}; }
+inline f32x8 swap_halves(f32x8 a) { return {a.hi, a.lo}; }
 
 inline void transpose_fours(f32x8 (&r)[4]) {
   const auto fours = [&r](f32x4 f32x8::*half) {

@@ -96,7 +96,7 @@ class BandsAudio : public testing::Test {
 
 TEST_F(BandsAudio, NoiseComesBack) {
   for (const int bands : kBands) {
-    for (const int channels : {1, 2, 5}) {
+    for (const int channels : {1, 5}) {
       SCOPED_TRACE(testing::Message() << bands << " bands, " << channels << " channels");
       const Audio source = noise(kWavFloat, channels, 30000);
       const Audio result = run_on(source, {"--bands", std::to_string(bands)});
@@ -131,14 +131,14 @@ TEST_F(BandsAudio, EachChannelComesBack) {
 
 // A rounding adds at most half a step to each sample.
 TEST_F(BandsAudio, IntegersAddTheirRoundingOnly) {
-  for (const int bands : kBands) {
+  for (const int bands : {8, 64}) {
+    const Audio source = noise(kWav16, 1, 30000, 0.5);
+    const std::string number = std::to_string(bands);
+    const Audio exact = run_on(source, {"--bands", number, "--format", "float"});
+    const std::string report = outcome_.out;
     for (const auto &[format, bits] :
          {std::pair<const char *, int>{"u8", 8}, {"s16", 16}, {"s24", 24}, {"s32", 32}}) {
       SCOPED_TRACE(testing::Message() << bands << " bands, " << format);
-      const Audio source = noise(kWav16, 1, 30000, 0.5);
-      const std::string number = std::to_string(bands);
-      const Audio exact = run_on(source, {"--bands", number, "--format", "float"});
-      const std::string report = outcome_.out;
       const Audio rounded = run_on(source, {"--bands", number, "--format", format});
       EXPECT_EQ(outcome_.out, report);  // ahead of the rounding
       const double full = std::ldexp(1.0, bits - 1);
@@ -168,16 +168,17 @@ TEST_F(BandsAudio, RecordingsComeBack) {
 }
 
 TEST_F(BandsAudio, ImpulseStaysInItsPlace) {
+  // One in each channel.
+  const std::size_t places[] = {0, 1, 777, 1024, 2998, 2999};
+  Audio source{kWavFloat, 44100, 6, std::vector<double>(6 * 3000)};
+  for (std::size_t c = 0; c < 6; ++c) source.samples[6 * places[c] + c] = 1;
   for (const int bands : kBands) {
-    for (const std::size_t at : {0U, 1U, 777U, 1024U, 2998U, 2999U}) {
-      SCOPED_TRACE(testing::Message() << bands << " bands, frame " << at);
-      Audio source{kWavFloat, 44100, 1, std::vector<double>(3000)};
-      source.samples[at] = 1;
-      const Audio result = run_on(source, {"--bands", std::to_string(bands)});
-      ASSERT_EQ(result.samples.size(), 3000U);
-      for (std::size_t i = 0; i < 3000; ++i) {
-        ASSERT_NEAR(result.samples[i], source.samples[i], 0.001) << i;
-      }
+    SCOPED_TRACE(testing::Message() << bands << " bands");
+    const Audio result = run_on(source, {"--bands", std::to_string(bands)});
+    ASSERT_EQ(result.samples.size(), source.samples.size());
+    for (std::size_t i = 0; i < source.samples.size(); ++i) {
+      ASSERT_NEAR(result.samples[i], source.samples[i], 0.001)
+          << "frame " << i / 6 << ", channel " << i % 6;
     }
   }
 }
@@ -186,10 +187,9 @@ TEST_F(BandsAudio, ImpulseStaysInItsPlace) {
 
 // Nothing depends on what follows but for the delay.
 TEST_F(BandsAudio, FilesOfAnyLengthComeOutWhole) {
-  for (const int bands : kBands) {
+  for (const int bands : {8, 48}) {
     const std::string number = std::to_string(bands);
-    for (const int frames : {0, 1, bands - 1, bands, 9 * bands + 1, 16 * bands, 16 * bands + 1,
-                             23 * bands, 32 * bands, 5000}) {
+    for (const int frames : {0, 1, bands, 9 * bands + 1, 16 * bands + 1, 23 * bands}) {
       SCOPED_TRACE(testing::Message() << frames << " frames, " << bands << " bands");
       Audio source = tones(kWavFloat, 48000, 2, frames);
       const Audio result = run_on(source, {"--bands", number});

@@ -94,17 +94,19 @@ TEST_F(BandsPicture, ToneIsTheBrightestBand) {
   }
 }
 
-// It begins and ends slowly, for a sudden begin overshoots.
-TEST_F(BandsPicture, SineOfFullScaleHasTheLevelZero) {
+// They begin and end slowly, for a sudden begin overshoots.
+TEST_F(BandsPicture, SinesOfFullScaleHaveTheLevelZero) {
   for (const int bands : kBands) {
-    for (const int band : {0, 2, bands - 1}) {
+    const int places[] = {0, 3, bands - 1};
+    const int frames = 60 * bands;
+    write(frames, [&](int i) {
+      double sum = 0;
+      for (const int band : places) sum += sine(band + 0.5, bands, i);
+      return sum * std::min({1.0, i / (20.0 * bands), (frames - i) / (20.0 * bands)});
+    });
+    const Picture drawn = picture(bands);
+    for (const int band : places) {
       SCOPED_TRACE(testing::Message() << "band " << band << " of " << bands);
-      const int frames = 60 * bands;
-      write(frames, [&](int i) {
-        const double slope = std::min({1.0, i / (20.0 * bands), (frames - i) / (20.0 * bands)});
-        return slope * sine(band + 0.5, bands, i);
-      });
-      const Picture drawn = picture(bands);
       expect_near(drawn.plot(kPlot.width / 2, row_of(band, bands)), drawn.legend(0, 0));
     }
   }
@@ -126,7 +128,7 @@ TEST_F(BandsPicture, OtherBandsAreSeventyDecibelsBelowATone) {
 }
 
 TEST_F(BandsPicture, LevelHasTheColourOfTheLegend) {
-  for (const int bands : kBands) {
+  for (const int bands : {8, 48, 64}) {
     for (const double loudest : {-4.0, 14.0}) {
       SCOPED_TRACE(testing::Message() << bands << " bands, " << loudest << " dB");
       // A steady tone beside one that grows fainter in steps, but stays far above what leaks
@@ -201,7 +203,7 @@ TEST_F(BandsPicture, ImpulseIsBrightestWhereItIsInTime) {
 
 // A hop has its filters' middle at its frame, if that is in the file.
 TEST_F(BandsPicture, EndsOfTheFileAreSeen) {
-  for (const int bands : kBands) {
+  for (const int bands : {8, 64}) {
     SCOPED_TRACE(bands);
     const double level = decibels(std::sqrt(8.0) * kMiddle / (2 * bands));
     const double top = 10 * std::ceil((level - 0.5) / 10);
@@ -221,7 +223,7 @@ TEST_F(BandsPicture, EndsOfTheFileAreSeen) {
 }
 
 TEST_F(BandsPicture, FileShorterThanASlotFillsTheAxis) {
-  for (const int bands : kBands) {
+  for (const int bands : {8, 64}) {
     for (const int frames : {1, bands - 1, bands}) {
       SCOPED_TRACE(testing::Message() << frames << " frames, " << bands << " bands");
       write_impulse(frames, 0);

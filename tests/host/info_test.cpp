@@ -29,7 +29,7 @@ TEST(Info, ShowsTheNamesAndFiguresOfTheLibraryFoundByItself) {
 }
 
 TEST(Info, TakesTheLibraryThatIsNamed) {
-  const Outcome outcome = run({"info", "--library", MVK_LIBRARY});
+  const Outcome outcome = run({"info", "--library", library()});
   EXPECT_EQ(outcome.exit_code, 0) << outcome.err;
   EXPECT_EQ(outcome.out, kInfo);
 }
@@ -43,7 +43,7 @@ TEST(Info, LibraryThatIsntThereIsAFailure) {
 
 // A copy of the library with other words at the head of its record.
 std::string library_with(const Folder &folder, const std::string &head) {
-  std::string bytes = read_bytes(MVK_LIBRARY);
+  std::string bytes = read_bytes(library());
   const std::string own("TLCA\0\1\0\0", 8);
   const auto at = bytes.find(own);
   EXPECT_NE(at, std::string::npos);

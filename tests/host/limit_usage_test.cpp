@@ -186,7 +186,7 @@ TEST_F(LimitUsage, WrongLibraryIsNamed) {
   EXPECT_EQ(message(1, {in_, out_, "--peak", "-1dB", "--library", folder_.file("in.so")})
                 .find("mvk: can't load the library: "),
             0U);
-  const Outcome right = run({"limit", in_, "-", "--peak", "-1dB", "--library", MVK_LIBRARY});
+  const Outcome right = run({"limit", in_, "-", "--peak", "-1dB", "--library", library()});
   EXPECT_EQ(right.exit_code, 0) << right.err;
 }
 

@@ -102,7 +102,7 @@ TEST_F(Phase90Usage, WrongLibraryIsNamed) {
   EXPECT_EQ(message(1, {in_, out_, "--library", folder_.file("in.so")})
                 .find("mvk: can't load the library: "),
             0U);
-  const Outcome right = run({"phase90", in_, "-", "--library", MVK_LIBRARY});
+  const Outcome right = run({"phase90", in_, "-", "--library", library()});
   EXPECT_EQ(right.exit_code, 0) << right.err;
 }
 

@@ -34,12 +34,18 @@ std::string content_and_close(int fd) {
   return content;
 }
 
+// A file of this build, or of another one that is named by the environment.
+std::string built(const char *here, const char *there) {
+  const char *build = std::getenv("MVK_BUILD");
+  return build == nullptr ? here : std::string(build) + there;
+}
+
 // The emulator's words, if there is one, the program and its arguments.
 std::vector<std::string> command_line(const std::vector<std::string> &arguments) {
   std::vector<std::string> words;
   std::istringstream emulator(MVK_EMULATOR);
   for (std::string word; emulator >> word;) words.push_back(word);
-  words.push_back(MVK_PROGRAM);
+  words.push_back(built(MVK_PROGRAM, "/tools/mvk"));
   words.insert(words.end(), arguments.begin(), arguments.end());
   return words;
 }
@@ -90,6 +96,8 @@ Outcome finish(const Process &process) {
   outcome.err = content_and_close(process.err);
   return outcome;
 }
+
+std::string library() { return built(MVK_LIBRARY, "/libmavokresampler.so"); }
 
 Outcome run(const std::vector<std::string> &arguments, const Environment &environment) {
   if (environment.piped_input.empty()) return finish(start(arguments, environment));

@@ -45,6 +45,9 @@ Outcome finish(const Process &process);
 
 Outcome run(const std::vector<std::string> &arguments, const Environment &environment = {});
 
+/* The library that goes with it. */
+std::string library();
+
 }  // namespace host
 
 #endif

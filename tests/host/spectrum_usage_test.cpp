@@ -145,7 +145,7 @@ TEST_F(SpectrumUsage, WrongLibraryIsNamed) {
   EXPECT_EQ(message(1, {in_, out_ + ".csv", "--library", folder_.file("in.so")})
                 .find("mvk: can't load the library: "),
             0U);
-  EXPECT_EQ(message(0, {in_, folder_.file("in.csv"), "--library", MVK_LIBRARY}), "");
+  EXPECT_EQ(message(0, {in_, folder_.file("in.csv"), "--library", library()}), "");
 }
 
 TEST_F(SpectrumUsage, HelpShowsExamplesLengthsAndUnits) {
