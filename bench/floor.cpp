@@ -118,7 +118,7 @@ void enroll_latencies(const std::string &suffix) {
   });
   enroll_latencies<single>("");
   enroll_latencies<binary64>("64");
-  enroll_latency<float>("reciprocal64", [](float v, float) {
+  enroll_latency<float>("reciprocal64", [](float v, float, float) {
     return static_cast<float>(1 / static_cast<double>(v));
   });
   return true;

@@ -245,6 +245,7 @@ MVK_API mvk_qmf_synthesisS_state *mvk_qmf_synthesisS_open(uint32_t bands, uint32
 MVK_API void MVK_qmf_synthesisL_init(mvk_qmf_synthesisL_state *record);
 MVK_API void MVK_qmf_synthesisS_init(mvk_qmf_synthesisS_state *record);
 
+/* The distance in floats between slots of real bands; M after opening. */
 MVK_API void MVK_qmf_synthesisL_set_slot_increment(mvk_qmf_synthesisL_state *record,
                                                    uint32_t increment);
 MVK_API void MVK_qmf_synthesisS_set_slot_increment(mvk_qmf_synthesisS_state *record,

@@ -158,6 +158,7 @@ typedef struct orvane_ht_ztlim_version {
   uint32_t reserved[3];         /* 0 */
 } orvane_ht_ztlim_version;
 
+/* The version, a constant. */
 MVK_API const orvane_ht_ztlim_version *orvane_ht_ztlim_get_version(void);
 
 /* ---- Constants --------------------------------------------------------- */
