@@ -2,38 +2,15 @@
 #include <gtest/gtest.h>
 
 #include "host/audio.h"
-#include "host/folder.h"
+#include "host/command_test.h"
 #include "host/process.h"
 
 namespace host {
 namespace {
 
-constexpr int kWav16 = SF_FORMAT_WAV | SF_FORMAT_PCM_16;
-
-// Every run leaves what was there: the input, and old outputs that are whole.
-class BandsUsage : public testing::Test {
+class BandsUsage : public CommandTest {
  protected:
-  BandsUsage() {
-    write_audio(in_, tones(kWav16, 48000, 2, 3000));
-    write_bytes(wav_, "the old output");
-    write_bytes(png_, "the old output");
-  }
-
-  // The message of a run that ends with this code.
-  std::string message(int exit_code, std::vector<std::string> arguments,
-                      const Environment &environment = {}) {
-    arguments.insert(arguments.begin(), "bands");
-    const Outcome outcome = run(arguments, environment);
-    EXPECT_EQ(outcome.exit_code, exit_code) << outcome.err;
-    EXPECT_EQ(outcome.out, "");
-    for (const std::string &name : folder_.names()) {
-      EXPECT_TRUE(name.starts_with("out.") || name.starts_with("in.")) << name << " is left";
-      if (name.starts_with("out.")) {
-        EXPECT_EQ(read_bytes(folder_.file(name)), "the old output");
-      }
-    }
-    return outcome.err;
-  }
+  BandsUsage() : CommandTest("bands", {"out.wav", "out.png"}) {}
 
   // What a run without --roundtrip begins with, and one with it.
   std::vector<std::vector<std::string>> both_ways(const std::string &in) const {
@@ -44,8 +21,6 @@ class BandsUsage : public testing::Test {
     return ways;
   }
 
-  const Folder folder_;
-  const std::string in_ = folder_.file("in.wav");
   const std::string wav_ = folder_.file("out.wav");
   const std::string png_ = folder_.file("out.png");
 };

@@ -2,13 +2,11 @@
 #include <gtest/gtest.h>
 
 #include "host/audio.h"
-#include "host/folder.h"
+#include "host/command_test.h"
 #include "host/process.h"
 
 namespace host {
 namespace {
-
-constexpr int kWav16 = SF_FORMAT_WAV | SF_FORMAT_PCM_16;
 
 constexpr const char *kChoices =
     "\n  --sub-block 32, 40 or 64: 24000, 32000, 44100, 48000, 64000, 88200, 96000, 176400 and "
@@ -16,27 +14,9 @@ constexpr const char *kChoices =
     "\n  --sub-block 128: 48000, 64000, 88200, 96000, 176400 and 192000 Hz"
     "\n  --sub-block 256: 96000, 176400 and 192000 Hz\n";
 
-// Every run leaves what was there: the input, and an old output that is whole.
-class LimitUsage : public testing::Test {
+class LimitUsage : public CommandTest {
  protected:
-  LimitUsage() {
-    write_audio(in_, tones(kWav16, 48000, 2, 3000));
-    write_bytes(out_, "the old output");
-  }
-
-  // The message of a run that ends with this code.
-  std::string message(int exit_code, std::vector<std::string> arguments,
-                      const Environment &environment = {}) {
-    arguments.insert(arguments.begin(), "limit");
-    const Outcome outcome = run(arguments, environment);
-    EXPECT_EQ(outcome.exit_code, exit_code) << outcome.err;
-    EXPECT_EQ(outcome.out, "");
-    EXPECT_EQ(read_bytes(out_), "the old output");
-    for (const std::string &name : folder_.names()) {
-      EXPECT_TRUE(name == "out.wav" || name.starts_with("in.")) << name << " is left";
-    }
-    return outcome.err;
-  }
+  LimitUsage() : CommandTest("limit", {"out.wav"}) {}
 
   // That the command can't be carried out with these options.
   std::string refusal(const std::vector<std::string> &options) {
@@ -45,8 +25,6 @@ class LimitUsage : public testing::Test {
     return message(2, arguments);
   }
 
-  const Folder folder_;
-  const std::string in_ = folder_.file("in.wav");
   const std::string out_ = folder_.file("out.wav");
 };
 

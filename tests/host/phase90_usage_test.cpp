@@ -2,38 +2,16 @@
 #include <gtest/gtest.h>
 
 #include "host/audio.h"
-#include "host/folder.h"
+#include "host/command_test.h"
 #include "host/process.h"
 
 namespace host {
 namespace {
 
-constexpr int kWav16 = SF_FORMAT_WAV | SF_FORMAT_PCM_16;
-
-// Every run leaves what was there: the input, and an old output that is whole.
-class Phase90Usage : public testing::Test {
+class Phase90Usage : public CommandTest {
  protected:
-  Phase90Usage() {
-    write_audio(in_, tones(kWav16, 48000, 2, 3000));
-    write_bytes(out_, "the old output");
-  }
+  Phase90Usage() : CommandTest("phase90", {"out.wav"}) {}
 
-  // The message of a run that ends with this code.
-  std::string message(int exit_code, std::vector<std::string> arguments,
-                      const Environment &environment = {}) {
-    arguments.insert(arguments.begin(), "phase90");
-    const Outcome outcome = run(arguments, environment);
-    EXPECT_EQ(outcome.exit_code, exit_code) << outcome.err;
-    EXPECT_EQ(outcome.out, "");
-    EXPECT_EQ(read_bytes(out_), "the old output");
-    for (const std::string &name : folder_.names()) {
-      EXPECT_TRUE(name == "out.wav" || name.starts_with("in.")) << name << " is left";
-    }
-    return outcome.err;
-  }
-
-  const Folder folder_;
-  const std::string in_ = folder_.file("in.wav");
   const std::string out_ = folder_.file("out.wav");
 };
 

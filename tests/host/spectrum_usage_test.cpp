@@ -2,13 +2,11 @@
 #include <gtest/gtest.h>
 
 #include "host/audio.h"
-#include "host/folder.h"
+#include "host/command_test.h"
 #include "host/process.h"
 
 namespace host {
 namespace {
-
-constexpr int kWav16 = SF_FORMAT_WAV | SF_FORMAT_PCM_16;
 
 #ifdef MVK_PICTURES
 constexpr const char *kSuffixes[] = {".csv", ".png"};
@@ -16,34 +14,10 @@ constexpr const char *kSuffixes[] = {".csv", ".png"};
 constexpr const char *kSuffixes[] = {".csv"};
 #endif
 
-// Every run leaves what was there: the input, and old outputs that are whole.
-class SpectrumUsage : public testing::Test {
+class SpectrumUsage : public CommandTest {
  protected:
-  SpectrumUsage() {
-    write_audio(in_, tones(kWav16, 48000, 2, 3000));
-    for (const std::string suffix : {".csv", ".png", ".txt"}) {
-      write_bytes(out_ + suffix, "the old output");
-    }
-  }
+  SpectrumUsage() : CommandTest("spectrum", {"out.csv", "out.png", "out.txt"}) {}
 
-  // The message of a run that ends with this code.
-  std::string message(int exit_code, std::vector<std::string> arguments,
-                      const Environment &environment = {}) {
-    arguments.insert(arguments.begin(), "spectrum");
-    const Outcome outcome = run(arguments, environment);
-    EXPECT_EQ(outcome.exit_code, exit_code) << outcome.err;
-    EXPECT_EQ(outcome.out, "");
-    for (const std::string &name : folder_.names()) {
-      EXPECT_TRUE(name.starts_with("out.") || name.starts_with("in.")) << name << " is left";
-      if (name.starts_with("out.")) {
-        EXPECT_EQ(read_bytes(folder_.file(name)), "the old output");
-      }
-    }
-    return outcome.err;
-  }
-
-  const Folder folder_;
-  const std::string in_ = folder_.file("in.wav");
   const std::string out_ = folder_.file("out");
 };
 
