@@ -6,7 +6,7 @@ manual=$1 completion=$2
 shift 2
 failed=
 
-# The part of a help from a heading up to the next empty line.
+# What a help has under a heading, up to the next empty line.
 section() { sed -n "/^$1:\$/,/^\$/p" | tail -n +2; }
 
 sorted() { tr -s ' ' '\n' | sed '/^$/d' | LC_ALL=C sort; }
