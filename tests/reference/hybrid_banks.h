@@ -11,8 +11,8 @@
 #include <vector>
 
 #include "kernels/kernel_samples.h"
-#include "limiter/limiter_pair.h"
 #include "mvk_hybrid.h"
+#include "reference/guarded_bytes.h"
 #include "reference/hybrid_exact.h"
 
 namespace testing_support {

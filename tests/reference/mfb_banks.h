@@ -13,9 +13,9 @@
 #include <vector>
 
 #include "kernels/kernel_samples.h"
-#include "limiter/limiter_pair.h"
 #include "mvk_fft.h"
 #include "mvk_mfb.h"
+#include "reference/guarded_bytes.h"
 #include "reference/mfb_exact.h"
 #include "reference/mfb_steps.h"
 

@@ -16,9 +16,9 @@
 
 #include "dct/pair_kinds.h"
 #include "kernels/kernel_samples.h"
-#include "limiter/limiter_pair.h"
 #include "mvk_fft.h"
 #include "mvk_qmf.h"
+#include "reference/guarded_bytes.h"
 #include "reference/qmf_exact.h"
 #include "reference/qmf_prototypes.h"
 
