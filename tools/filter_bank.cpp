@@ -7,8 +7,9 @@ namespace {
 
 // "ana" or "syn".
 const float *prototype(const Library &library, unsigned bands, const std::string &side) {
-  const std::string size = bands == 64 ? "" : "_" + std::to_string(bands);
-  const std::string name = "mvk_qmf_filter_coeff_P5_p64orv301" + size + "_vec_" + side;
+  std::string name = "mvk_qmf_filter_coeff_P5_p64orv301";
+  if (bands != 64) name.append("_").append(std::to_string(bands));
+  name += "_vec_" + side;
   return library.find<const float>(name.c_str());
 }
 

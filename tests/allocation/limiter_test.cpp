@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-#include "component/allocation_count.h"
+#include "allocation/allocation_count.h"
 #include "limiter/limiter_pair.h"
 
 namespace testing_support {

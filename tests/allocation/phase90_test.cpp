@@ -3,7 +3,7 @@
 
 #include <vector>
 
-#include "component/allocation_count.h"
+#include "allocation/allocation_count.h"
 #include "services/phase90_pair.h"
 
 namespace testing_support {

@@ -8,18 +8,13 @@
 #include <sstream>
 
 namespace testing_support {
+namespace {
 
-std::ostream &operator<<(std::ostream &stream, const LogEntry &entry) {
-  return stream << entry.priority << '/' << entry.tag.value_or("(no tag)") << ": " << entry.text;
-}
+std::vector<LogEntry> *recording = nullptr;
 
-#ifdef MVK_LOG_STANDIN
-
-// The stand-in for the system's log writes "priority/tag: text" to standard error.
-std::vector<LogEntry> LoggedBy(const std::function<void()> &action) {
-  testing::internal::CaptureStderr();
-  action();
-  std::istringstream lines(testing::internal::GetCapturedStderr());
+// A stand-in for the system's log writes "priority/tag: text" to standard error.
+std::vector<LogEntry> EntriesIn(const std::string &written) {
+  std::istringstream lines(written);
   std::vector<LogEntry> entries;
   for (std::string line; std::getline(lines, line);) {
     const size_t slash = line.find('/');
@@ -35,25 +30,25 @@ std::vector<LogEntry> LoggedBy(const std::function<void()> &action) {
   return entries;
 }
 
-#else
+}  // namespace
 
-namespace {
-std::vector<LogEntry> *recording = nullptr;
+std::ostream &operator<<(std::ostream &stream, const LogEntry &entry) {
+  return stream << entry.priority << '/' << entry.tag.value_or("(no tag)") << ": " << entry.text;
 }
 
+// A library has one log or the other.
 std::vector<LogEntry> LoggedBy(const std::function<void()> &action) {
   std::vector<LogEntry> entries;
   recording = &entries;
+  testing::internal::CaptureStderr();
   action();
+  const std::vector<LogEntry> written = EntriesIn(testing::internal::GetCapturedStderr());
   recording = nullptr;
+  entries.insert(entries.end(), written.begin(), written.end());
   return entries;
 }
 
-#endif
-
 }  // namespace testing_support
-
-#ifndef MVK_LOG_STANDIN
 
 // Takes the place of the system log's function for the whole program.
 extern "C" __attribute__((visibility("default"), format(printf, 3, 4))) int __android_log_print(
@@ -69,5 +64,3 @@ extern "C" __attribute__((visibility("default"), format(printf, 3, 4))) int __an
   }
   return length;
 }
-
-#endif

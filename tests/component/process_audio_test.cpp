@@ -6,7 +6,6 @@
 #include <vector>
 
 #include "acli.h"
-#include "component/allocation_count.h"
 #include "component/host_block.h"
 #include "component/log_capture.h"
 
@@ -244,31 +243,6 @@ TEST(ProcessSize, AFactorBeyondTheBlockLeavesNoFramesOnOneSide) {
   block.out_record.size = 0x7FFF;
   EXPECT_EQ(block.Process(down), ACLI_OK);
   EXPECT_EQ(block.out_record.size, 2048u / 300);
-}
-
-TEST(ProcessHeap, IsTouchedOnlyWhenTheEngineIsBuilt) {
-  if (!kAllocationsAreCounted) GTEST_SKIP() << "a sanitizer's allocator counts for itself";
-  acli_instance *handle = nullptr;
-  EXPECT_EQ(HeapUseOf([&] { ACLI.create(nullptr, nullptr, &handle); }), (HeapUse{1, 0}));
-  HostBlock pcm16(kPcm16, ACLI_DIR_UP, 2, 2), pcm32(kPcm32, ACLI_DIR_UP, 2, 2),
-      floats(kFloat, ACLI_DIR_UP, 2, 2), other_factor(kFloat, ACLI_DIR_UP, 4, 2),
-      other_channels(kFloat, ACLI_DIR_UP, 4, 35);
-  const auto use = [&](HostBlock &block) {
-    int32_t status = -7;
-    const HeapUse counted =
-        HeapUseOf([&] { status = ACLI.process(handle, &block.in_record, &block.out_record); });
-    EXPECT_EQ(status, ACLI_OK);
-    return counted;
-  };
-  EXPECT_EQ(use(floats), (HeapUse{1, 0}));
-  for (HostBlock *block : {&floats, &pcm32, &pcm16, &floats}) {
-    EXPECT_EQ(use(*block), (HeapUse{0, 0}));
-  }
-  EXPECT_EQ(use(other_factor), (HeapUse{1, 1}));
-  EXPECT_EQ(use(other_factor), (HeapUse{0, 0}));
-  EXPECT_EQ(use(other_channels), (HeapUse{1, 1}));
-  EXPECT_EQ(use(other_channels), (HeapUse{0, 0}));
-  EXPECT_EQ(HeapUseOf([&] { ACLI.destroy(handle); }), (HeapUse{0, 2}));
 }
 
 TEST(ProcessInstances, AreIndependent) {

@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "acli.h"
-#include "component/allocation_count.h"
 #include "component/host_block.h"
 #include "component/log_capture.h"
 
@@ -294,27 +293,6 @@ TEST(ProcessBypass, IsNeverSetByAnOperation) {
     HostBlock block(kFloat, ACLI_DIR_UP, factor, 2);
     EXPECT_EQ(block.Process(instance), ACLI_OK);
     EXPECT_EQ(instance.Get<uint8_t>(Instance::kBypass), 0);
-  }
-}
-
-// ---- A heap that is dry ----
-
-TEST(ProcessWithoutMemory, FailsAndTriesAgain) {
-  if (!kAllocationsAreCounted) GTEST_SKIP() << "the heap isn't ours to empty";
-  const Instance instance(ACLI_DIR_UP);
-  for (bool with_engine : {false, true}) {
-    HostBlock block(kFloat, ACLI_DIR_UP, with_engine ? 4 : 2, 2);
-    for (int attempt = 0; attempt < 2; ++attempt) {
-      int32_t status = 0;
-      const HeapUse use = HeapUseOf([&] { status = block.Process(instance); }, Heap::kIsDry);
-      EXPECT_EQ(status, ACLI_ERR_INVALID);
-      EXPECT_EQ(use, (HeapUse{0, with_engine && attempt == 0 ? 1 : 0}));
-      EXPECT_EQ(instance.Get<void *>(Instance::kResampler), nullptr);
-      EXPECT_EQ(instance.Get<void *>(Instance::kResamplerMemory), nullptr);
-      EXPECT_EQ(instance.Get<uint8_t>(Instance::kReady), 0);
-      EXPECT_EQ(instance.Get<uint32_t>(Instance::kFactor), block.factor);
-    }
-    EXPECT_EQ(block.Process(instance), ACLI_OK);
   }
 }
 

@@ -1,15 +1,8 @@
 // Counts what goes through the heap, and makes it run dry.
-#ifndef MVK_TESTS_COMPONENT_ALLOCATION_COUNT_H_
-#define MVK_TESTS_COMPONENT_ALLOCATION_COUNT_H_
+#ifndef MVK_TESTS_ALLOCATION_ALLOCATION_COUNT_H_
+#define MVK_TESTS_ALLOCATION_ALLOCATION_COUNT_H_
 
 namespace testing_support {
-
-// Sanitizers bring an allocator of their own.
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-inline constexpr bool kAllocationsAreCounted = false;
-#else
-inline constexpr bool kAllocationsAreCounted = true;
-#endif
 
 struct HeapUse {
   int allocated = 0;

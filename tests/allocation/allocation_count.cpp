@@ -1,4 +1,4 @@
-#include "component/allocation_count.h"
+#include "allocation/allocation_count.h"
 
 #include <cerrno>
 #include <cstddef>
@@ -23,8 +23,6 @@ HeapUse HeapUseOf(void (*action)(void *), void *context, Heap heap) {
 }
 
 }  // namespace testing_support
-
-#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
 
 // The C library's own allocator stands behind these names.
 extern "C" {
@@ -79,5 +77,3 @@ void free(void *memory) noexcept {
 }
 
 }  // extern "C"
-
-#endif
