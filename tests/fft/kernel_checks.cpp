@@ -116,4 +116,16 @@ void ExpectImpulses(std::span<const Kernel> kernels, double (*bound)(uint32_t le
   }
 }
 
+void ExpectWholeImpulseAtNought(std::span<const Kernel> kernels) {
+  for (const Kernel &kernel : kernels) {
+    ComplexArray x(kernel.length);
+    x[0] = {1.0f, -2.0f};
+    const float factor = reference::FactorOf(kernel.scaling, kernel.length);
+    for (const reference::Complex &value : ResultOf(kernel, x)) {
+      ASSERT_EQ(value.re, factor) << kernel.name;
+      ASSERT_EQ(value.im, -2 * factor) << kernel.name;
+    }
+  }
+}
+
 }  // namespace testing_support

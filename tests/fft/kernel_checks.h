@@ -33,6 +33,9 @@ void ExpectAccuracy(std::span<const Kernel> kernels, const WideTransform &want, 
 // An impulse at every place of a short transform and at many of a long one.
 void ExpectImpulses(std::span<const Kernel> kernels, double (*bound)(uint32_t length));
 
+// An impulse at nought is in every bin, but for the scale to the bit.
+void ExpectWholeImpulseAtNought(std::span<const Kernel> kernels);
+
 }  // namespace testing_support
 
 #endif

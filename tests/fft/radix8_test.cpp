@@ -35,17 +35,7 @@ TEST(Radix8Fft, TurnsImpulsesIntoRotations) {
   ExpectImpulses(Radix8Kernels(), [](uint32_t) { return kAccuracy; });
 }
 
-TEST(Radix8Fft, KeepsAnImpulseAtNoughtWhole) {
-  for (const Kernel &kernel : Radix8Kernels()) {
-    ComplexArray x(kernel.length);
-    x[0] = {1.0f, -2.0f};
-    const float factor = reference::FactorOf(kernel.scaling, kernel.length);
-    for (const reference::Complex &value : ResultOf(kernel, x)) {
-      ASSERT_EQ(value.re, factor) << kernel.name;
-      ASSERT_EQ(value.im, -2 * factor) << kernel.name;
-    }
-  }
-}
+TEST(Radix8Fft, KeepsAnImpulseAtNoughtWhole) { ExpectWholeImpulseAtNought(Radix8Kernels()); }
 
 TEST(Radix8Fft, ForwardUndoesTheInverse) {
   Random random(51);

@@ -31,6 +31,8 @@ testing::AssertionResult AllZero(const std::vector<float> &samples) {
   return testing::AssertionSuccess();
 }
 
+constexpr uint32_t kAllBands[] = {4, 8, 16, 32, 48, 64, 128, 1024};
+
 // The real and the complex form of a slot, where there are any.
 template <class Kind>
 struct Forms {
@@ -49,50 +51,47 @@ struct Forms {
   static size_t SlotFloats(uint32_t bands, bool is_complex) {
     return is_complex && !Kind::kAnalyses ? 2 * size_t{bands} : bands;
   }
-};
 
-constexpr uint32_t kAllBands[] = {4, 8, 16, 32, 48, 64, 128, 1024};
-
-TYPED_TEST(QmfHistory, IsSilentUntilThereIsASignalAndAfterInit) {
-  using F = Forms<TypeParam>;
-  for (const uint32_t m : kAllBands) {
-    for (const uint32_t order : kOrders) {
-      for (const bool is_complex : F::Of(m)) {
+  // Calls check(shape, floats of a slot, is_complex) for banks of all sizes in all forms.
+  template <typename Check>
+  static void ForEach(Check check) {
+    for (const uint32_t m : kAllBands) {
+      for (const uint32_t order : kOrders) {
         const std::vector<float> table = AnyPrototype({order, m}, 1);
         const QmfShape shape{m, order, table.data()};
-        SCOPED_TRACE(testing::Message() << shape << (is_complex ? ", complex" : ""));
-        const size_t slot = F::SlotFloats(m, is_complex);
-        const std::vector<float> silence(11 * slot);
-        QmfBank<TypeParam> bank(shape);
-        EXPECT_TRUE(AllZero(F::Run(bank, silence, is_complex))) << "opened";
-        EXPECT_FALSE(AllZero(F::Run(bank, QmfNoise(m, 3 * slot), is_complex)));
-        TypeParam::kInit(bank.record());
-        EXPECT_TRUE(AllZero(F::Run(bank, silence, is_complex))) << "after init";
+        for (const bool is_complex : Of(m)) {
+          SCOPED_TRACE(testing::Message() << shape << (is_complex ? ", complex" : ""));
+          check(shape, SlotFloats(m, is_complex), is_complex);
+        }
       }
     }
   }
+};
+
+TYPED_TEST(QmfHistory, IsSilentUntilThereIsASignalAndAfterInit) {
+  using F = Forms<TypeParam>;
+  F::ForEach([](const QmfShape &shape, size_t slot, bool is_complex) {
+    const std::vector<float> silence(11 * slot);
+    QmfBank<TypeParam> bank(shape);
+    EXPECT_TRUE(AllZero(F::Run(bank, silence, is_complex))) << "opened";
+    EXPECT_FALSE(AllZero(F::Run(bank, QmfNoise(shape.bands, 3 * slot), is_complex)));
+    TypeParam::kInit(bank.record());
+    EXPECT_TRUE(AllZero(F::Run(bank, silence, is_complex))) << "after init";
+  });
 }
 
 // A signal is heard for 2 P slots, its own among them, and not a slot longer.
 TYPED_TEST(QmfHistory, IsFlushedByTheSlotsOfAWindow) {
   using F = Forms<TypeParam>;
-  for (const uint32_t m : kAllBands) {
-    for (const uint32_t order : kOrders) {
-      for (const bool is_complex : F::Of(m)) {
-        const std::vector<float> table = AnyPrototype({order, m}, 1);
-        const QmfShape shape{m, order, table.data()};
-        SCOPED_TRACE(testing::Message() << shape << (is_complex ? ", complex" : ""));
-        const size_t slot = F::SlotFloats(m, is_complex);
-        QmfBank<TypeParam> bank(shape);
-        F::Run(bank, QmfNoise(m, 4 * slot), is_complex);
-        for (uint32_t i = 1; i <= 2 * order - 1; ++i) {
-          EXPECT_FALSE(AllZero(F::Run(bank, std::vector<float>(slot), is_complex))) << i;
-        }
-        EXPECT_TRUE(AllZero(F::Run(bank, std::vector<float>(4 * slot), is_complex)));
-        for (const float sample : bank.History()) EXPECT_EQ(sample, 0);
-      }
+  F::ForEach([](const QmfShape &shape, size_t slot, bool is_complex) {
+    QmfBank<TypeParam> bank(shape);
+    F::Run(bank, QmfNoise(shape.bands, 4 * slot), is_complex);
+    for (uint32_t i = 1; i <= 2 * shape.order - 1; ++i) {
+      EXPECT_FALSE(AllZero(F::Run(bank, std::vector<float>(slot), is_complex))) << i;
     }
-  }
+    EXPECT_TRUE(AllZero(F::Run(bank, std::vector<float>(4 * slot), is_complex)));
+    for (const float sample : bank.History()) EXPECT_EQ(sample, 0);
+  });
 }
 
 // ---- Analysis ----

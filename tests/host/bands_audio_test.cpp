@@ -7,15 +7,11 @@
 #include <limits>
 #include <random>
 
-#include "host/audio.h"
-#include "host/folder.h"
-#include "host/process.h"
+#include "host/audio_command.h"
 
 namespace host {
 namespace {
 
-constexpr int kWav16 = SF_FORMAT_WAV | SF_FORMAT_PCM_16;
-constexpr int kWavFloat = SF_FORMAT_WAV | SF_FORMAT_FLOAT;
 constexpr int kBands[] = {8, 16, 32, 48, 64};
 
 // What the banks give back of white noise.
@@ -72,24 +68,9 @@ Audio noise(int format, int channels, int frames, double level = 0.9, int rate =
   return audio;
 }
 
-class BandsAudio : public testing::Test {
+class BandsAudio : public AudioCommand {
  protected:
-  Audio run_on(const std::string &in, std::vector<std::string> more = {}) {
-    more.insert(more.begin(), {"bands", "--roundtrip", in, out_});
-    outcome_ = run(more);
-    EXPECT_EQ(outcome_.exit_code, 0) << outcome_.err;
-    return read_audio(out_);
-  }
-
-  Audio run_on(const Audio &source, std::vector<std::string> more = {}) {
-    write_audio(in_, source);
-    return run_on(in_, std::move(more));
-  }
-
-  const Folder folder_;
-  const std::string in_ = folder_.file("in.wav");
-  const std::string out_ = folder_.file("out.wav");
-  Outcome outcome_;
+  BandsAudio() : AudioCommand({"bands", "--roundtrip"}) {}
 };
 
 // ---- Error, gain and delay ----

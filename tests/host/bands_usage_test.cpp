@@ -60,13 +60,7 @@ TEST_F(BandsUsage, FormatIsThatOfAudio) {
 }
 
 TEST_F(BandsUsage, FilesThatCantBeReadAreNamed) {
-  const std::string nowhere = folder_.file("in.nowhere");
-  const std::string text = folder_.file("in.text");
-  write_bytes(text, "This is a letter, not a song.");
-  for (const auto &[file, problem] :
-       {std::pair<std::string, std::string>{nowhere, "mvk: can't open " + nowhere + ": "},
-        {text, "mvk: " + text + " can't be read as audio: "},
-        {folder_.path(), "mvk: " + folder_.path() + " is a folder"}}) {
+  for (const auto &[file, problem] : unreadable_files()) {
     for (const auto &arguments : both_ways(file)) {
       EXPECT_EQ(message(1, arguments).find(problem), 0U);
     }
@@ -74,9 +68,7 @@ TEST_F(BandsUsage, FilesThatCantBeReadAreNamed) {
 }
 
 TEST_F(BandsUsage, CutOffFileIsntTakenForWhole) {
-  const std::string flac = folder_.file("in.flac");
-  write_audio(flac, tones(SF_FORMAT_FLAC | SF_FORMAT_PCM_16, 48000, 1, 20000));
-  truncate_to(flac, 0.6);
+  const std::string flac = cut_off_file();
   for (const auto &arguments : both_ways(flac)) {
     const std::string error = message(1, arguments);
     EXPECT_EQ(error.find("mvk: can't read " + flac + ": "), 0U) << error;

@@ -30,4 +30,20 @@ std::string CommandTest::message(int exit_code, std::vector<std::string> argumen
   return outcome.err;
 }
 
+std::vector<std::pair<std::string, std::string>> CommandTest::unreadable_files() const {
+  const std::string nowhere = folder_.file("in.nowhere");
+  const std::string text = folder_.file("in.text");
+  write_bytes(text, "This is a letter, not a song.");
+  return {{nowhere, "mvk: can't open " + nowhere + ": "},
+          {text, "mvk: " + text + " can't be read as audio: "},
+          {folder_.path(), "mvk: " + folder_.path() + " is a folder"}};
+}
+
+std::string CommandTest::cut_off_file() const {
+  const std::string flac = folder_.file("in.flac");
+  write_audio(flac, tones(SF_FORMAT_FLAC | SF_FORMAT_PCM_16, 48000, 1, 20000));
+  truncate_to(flac, 0.6);
+  return flac;
+}
+
 }  // namespace host

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "host/audio.h"
@@ -24,6 +25,12 @@ class CommandTest : public testing::Test {
   /* The message of a run that ends with this code. */
   std::string message(int exit_code, std::vector<std::string> arguments,
                       const Environment &environment = {});
+
+  /* Files that can't be read as audio, with what a message about each begins with. */
+  std::vector<std::pair<std::string, std::string>> unreadable_files() const;
+
+  /* A FLAC file that ends early. */
+  std::string cut_off_file() const;
 
  private:
   const std::string command_;

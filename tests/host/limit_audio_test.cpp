@@ -5,16 +5,11 @@
 #include <cmath>
 #include <limits>
 
-#include "host/audio.h"
-#include "host/folder.h"
+#include "host/audio_command.h"
 #include "host/limit_reference.h"
-#include "host/process.h"
 
 namespace host {
 namespace {
-
-constexpr int kWav16 = SF_FORMAT_WAV | SF_FORMAT_PCM_16;
-constexpr int kWavFloat = SF_FORMAT_WAV | SF_FORMAT_FLOAT;
 
 double highest_sample(const Audio &audio) {
   double level = 0.0;
@@ -22,38 +17,20 @@ double highest_sample(const Audio &audio) {
   return level;
 }
 
-class LimitAudio : public testing::Test {
+class LimitAudio : public AudioCommand {
  protected:
-  // What mvk makes of a file.
-  Audio run_on(const std::string &in, const Limiting &how, std::vector<std::string> more = {}) {
-    std::vector<std::string> arguments = {"limit", in, out_};
-    const std::vector<std::string> options = how.options();
-    arguments.insert(arguments.end(), options.begin(), options.end());
-    arguments.insert(arguments.end(), more.begin(), more.end());
-    const Outcome outcome = run(arguments);
-    EXPECT_EQ(outcome.exit_code, 0) << outcome.err;
-    return read_audio(out_);
+  LimitAudio() : AudioCommand({"limit"}) {}
+
+  template <typename Source>
+  Audio run_on(const Source &source, const Limiting &how,
+               const std::vector<std::string> &more = {}) {
+    std::vector<std::string> options = how.options();
+    options.insert(options.end(), more.begin(), more.end());
+    return AudioCommand::run_on(source, options);
   }
 
-  Audio run_on(const Audio &source, const Limiting &how, std::vector<std::string> more = {}) {
-    write_audio(in_, source);
-    return run_on(in_, how, std::move(more));
-  }
-
-  const Folder folder_;
-  const std::string in_ = folder_.file("in.wav");
   const std::string other_ = folder_.file("other.wav");
-  const std::string out_ = folder_.file("out.wav");
 };
-
-void expect_same(const Audio &result, const Audio &source, const std::vector<double> &samples) {
-  EXPECT_EQ(result.rate, source.rate);
-  EXPECT_EQ(result.channels, source.channels);
-  ASSERT_EQ(result.samples.size(), samples.size());
-  for (std::size_t i = 0; i < samples.size(); ++i) {
-    ASSERT_EQ(result.samples[i], samples[i]) << "sample " << i;
-  }
-}
 
 // ---- Recordings ----
 
@@ -63,7 +40,7 @@ TEST_F(LimitAudio, RecordingRaisedBy12DecibelsNeverPassesThePeak) {
     const Audio source = read_audio(recording);
     const Limiting how{.peak = -1.0, .boost = 12.0};
     ASSERT_GT(highest_sample(source) * amplitude(12.0), amplitude(-1.0));
-    const Audio result = run_on(recording, how, {"--format", "wav:float"});
+    const Audio result = run_on(std::string(recording), how, {"--format", "wav:float"});
     EXPECT_LE(highest_sample(result), highest(how));
     EXPECT_GT(highest_sample(result), 0.999 * amplitude(-1.0));
     expect_same(result, source, limited(source, how).samples);
@@ -73,7 +50,7 @@ TEST_F(LimitAudio, RecordingRaisedBy12DecibelsNeverPassesThePeak) {
 TEST_F(LimitAudio, PassageAheadOfTheFirstPeakIsRaisedAndOtherwiseUntouched) {
   const Audio source = read_audio(kSpeech);
   const Limiting how{.peak = -1.0, .boost = 12.0};
-  const Audio result = run_on(kSpeech, how, {"--format", "float"});
+  const Audio result = run_on(std::string(kSpeech), how, {"--format", "float"});
   const double boost = how.boost_gain();
   const auto loud = std::find_if(source.samples.begin(), source.samples.end(), [&](double x) {
     return std::fabs(x) * boost > amplitude(how.peak);
@@ -95,7 +72,7 @@ TEST_F(LimitAudio, RecordingBelowThePeakKeepsItsIntegers) {
     const Audio source = read_audio(kSpeech);
     const Limiting how{.peak = -6.0, .sub_block = sub_block};
     ASSERT_LT(highest_sample(source), amplitude(how.peak));
-    const Audio result = run_on(kSpeech, how);
+    const Audio result = run_on(std::string(kSpeech), how);
     EXPECT_EQ(result.format, source.format);
     expect_same(result, source, source.samples);
   }
@@ -234,7 +211,7 @@ TEST_F(LimitAudio, ClippedSamplesAreThoseOfTheInputHeldAtThePeak) {
 
 TEST_F(LimitAudio, ClippedRecordingIsHeldAtThePeak) {
   const Limiting how{.peak = -3.0, .boost = 12.0, .hard_clip = true};
-  const Audio result = run_on(kBell, how, {"--format", "wav:float"});
+  const Audio result = run_on(std::string(kBell), how, {"--format", "wav:float"});
   EXPECT_LE(highest_sample(result), highest(how));
 }
 
@@ -284,21 +261,8 @@ TEST_F(LimitAudio, WhatTheOtherFileHasBeyondTheEndDoesntCount) {
 TEST_F(LimitAudio, EveryFormatHoldsTheLimitedAudio) {
   const Audio source = read_audio(kSpeech);
   const Limiting how{.peak = -1.0, .boost = 12.0};
-  const std::vector<double> exact = limited(source, how).samples;
-  const struct {
-    const char *name;
-    int bits;
-  } formats[] = {{"wav:s16", 16},  {"wav:u8", 8},    {"flac:s24", 24},
-                 {"aiff:s32", 32}, {"w64:float", 0}, {"caf:double", 0}};
-  for (const auto &format : formats) {
-    SCOPED_TRACE(format.name);
-    std::vector<double> rounded = exact;
-    if (format.bits > 0) {
-      const double full = std::ldexp(1.0, format.bits - 1);
-      for (double &x : rounded) x = std::nearbyint(x * full) / full;
-    }
-    expect_same(run_on(kSpeech, how, {"--format", format.name}), source, rounded);
-  }
+  expect_every_format([&](const auto &format) { return run_on(std::string(kSpeech), how, format); },
+                      source, limited(source, how).samples);
 }
 
 TEST_F(LimitAudio, CompressedOutputHasTheFramesOfTheInput) {

@@ -122,23 +122,15 @@ TEST_F(LimitUsage, FormatThatDoesntExistIsRefused) {
 }
 
 TEST_F(LimitUsage, FilesThatCantBeReadAreNamed) {
-  const std::string nowhere = folder_.file("in.nowhere");
-  const std::string text = folder_.file("in.text");
-  write_bytes(text, "This is a letter, not a song.");
-  for (const auto &[file, problem] :
-       {std::pair<std::string, std::string>{nowhere, "mvk: can't open " + nowhere + ": "},
-        {text, "mvk: " + text + " can't be read as audio: "},
-        {folder_.path(), "mvk: " + folder_.path() + " is a folder"}}) {
+  for (const auto &[file, problem] : unreadable_files()) {
     EXPECT_EQ(message(1, {file, out_, "--peak", "-1dB"}).find(problem), 0U);
     EXPECT_EQ(message(1, {in_, out_, "--peak", "-1dB", "--detect", file}).find(problem), 0U);
   }
 }
 
 TEST_F(LimitUsage, CutOffFilesArentTakenForWhole) {
-  const std::string flac = folder_.file("in.flac");
-  write_audio(flac, tones(SF_FORMAT_FLAC | SF_FORMAT_PCM_16, 48000, 1, 20000));
+  const std::string flac = cut_off_file();
   write_audio(in_, tones(kWav16, 48000, 1, 30000));
-  truncate_to(flac, 0.6);
   for (const std::vector<std::string> &arguments :
        {std::vector<std::string>{flac, out_, "--peak", "-1dB"},
         {in_, out_, "--peak", "-1dB", "--detect", flac}}) {

@@ -7,16 +7,11 @@
 #include <limits>
 #include <numbers>
 
-#include "host/audio.h"
-#include "host/folder.h"
-#include "host/process.h"
+#include "host/audio_command.h"
 #include "reference/phase90_reference.h"
 
 namespace host {
 namespace {
-
-constexpr int kWav16 = SF_FORMAT_WAV | SF_FORMAT_PCM_16;
-constexpr int kWavFloat = SF_FORMAT_WAV | SF_FORMAT_FLOAT;
 
 // What the file must hold: every channel through a shifter, the delay taken back.
 std::vector<double> shifted(const Audio &source, int frame) {
@@ -40,35 +35,11 @@ std::vector<double> shifted(const Audio &source, int frame) {
   return result;
 }
 
-class Phase90Audio : public testing::Test {
+class Phase90Audio : public AudioCommand {
  protected:
-  Audio run_on(const std::string &in, std::vector<std::string> more = {}) {
-    more.insert(more.begin(), {"phase90", in, out_});
-    outcome_ = run(more);
-    EXPECT_EQ(outcome_.exit_code, 0) << outcome_.err;
-    EXPECT_EQ(outcome_.out, "");
-    return read_audio(out_);
-  }
-
-  Audio run_on(const Audio &source, std::vector<std::string> more = {}) {
-    write_audio(in_, source);
-    return run_on(in_, std::move(more));
-  }
-
-  const Folder folder_;
-  const std::string in_ = folder_.file("in.wav");
-  const std::string out_ = folder_.file("out.wav");
-  Outcome outcome_;
+  Phase90Audio() : AudioCommand({"phase90"}) {}
+  ~Phase90Audio() override { EXPECT_EQ(outcome_.out, ""); }
 };
-
-void expect_same(const Audio &result, const Audio &source, const std::vector<double> &samples) {
-  EXPECT_EQ(result.rate, source.rate);
-  EXPECT_EQ(result.channels, source.channels);
-  ASSERT_EQ(result.samples.size(), samples.size());
-  for (std::size_t i = 0; i < samples.size(); ++i) {
-    ASSERT_EQ(result.samples[i], samples[i]) << "sample " << i;
-  }
-}
 
 // ---- Tones ----
 
@@ -191,21 +162,8 @@ TEST_F(Phase90Audio, SamplesThatArentFiniteAreSilence) {
 
 TEST_F(Phase90Audio, EveryFormatHoldsTheShiftedAudio) {
   const Audio source = read_audio(kSpeech);
-  const std::vector<double> exact = shifted(source, 1024);
-  const struct {
-    const char *name;
-    int bits;
-  } formats[] = {{"wav:s16", 16},  {"wav:u8", 8},    {"flac:s24", 24},
-                 {"aiff:s32", 32}, {"w64:float", 0}, {"caf:double", 0}};
-  for (const auto &format : formats) {
-    SCOPED_TRACE(format.name);
-    std::vector<double> rounded = exact;
-    if (format.bits > 0) {
-      const double full = std::ldexp(1.0, format.bits - 1);
-      for (double &x : rounded) x = std::nearbyint(x * full) / full;
-    }
-    expect_same(run_on(kSpeech, {"--format", format.name}), source, rounded);
-  }
+  expect_every_format([&](const auto &format) { return run_on(kSpeech, format); }, source,
+                      shifted(source, 1024));
 }
 
 TEST_F(Phase90Audio, FormatIsThatOfTheInputIfNotGiven) {

@@ -34,21 +34,13 @@ TEST_F(Phase90Usage, FrameThatThereIsNoneOfListsThoseThatThereAre) {
 }
 
 TEST_F(Phase90Usage, FilesThatCantBeReadAreNamed) {
-  const std::string nowhere = folder_.file("in.nowhere");
-  const std::string text = folder_.file("in.text");
-  write_bytes(text, "This is a letter, not a song.");
-  for (const auto &[file, problem] :
-       {std::pair<std::string, std::string>{nowhere, "mvk: can't open " + nowhere + ": "},
-        {text, "mvk: " + text + " can't be read as audio: "},
-        {folder_.path(), "mvk: " + folder_.path() + " is a folder"}}) {
+  for (const auto &[file, problem] : unreadable_files()) {
     EXPECT_EQ(message(1, {file, out_}).find(problem), 0U);
   }
 }
 
 TEST_F(Phase90Usage, CutOffFileIsntTakenForWhole) {
-  const std::string flac = folder_.file("in.flac");
-  write_audio(flac, tones(SF_FORMAT_FLAC | SF_FORMAT_PCM_16, 48000, 1, 20000));
-  truncate_to(flac, 0.6);
+  const std::string flac = cut_off_file();
   const std::string error = message(1, {flac, out_});
   EXPECT_EQ(error.find("mvk: can't read " + flac + ": "), 0U) << error;
   EXPECT_NE(error.find(" It is cut off or damaged\n"), std::string::npos) << error;

@@ -80,9 +80,7 @@ TEST_F(SpectrumUsage, FilesThatCantBeReadAreNamed) {
 }
 
 TEST_F(SpectrumUsage, CutOffFileIsntTakenForWhole) {
-  const std::string flac = folder_.file("in.flac");
-  write_audio(flac, tones(SF_FORMAT_FLAC | SF_FORMAT_PCM_16, 48000, 1, 20000));
-  truncate_to(flac, 0.6);
+  const std::string flac = cut_off_file();
   for (const std::string suffix : kSuffixes) {
     const std::string error = message(1, {flac, out_ + suffix});
     EXPECT_EQ(error.find("mvk: can't read " + flac + ": "), 0U) << error;

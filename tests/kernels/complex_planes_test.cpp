@@ -28,6 +28,27 @@ void Mix(float *y, Call c, MixOfPlanes mix, const float *g) {
   for (uint32_t i = 0; i < 2 * c.n; ++i) y[i] = mix(c.a + i, reference::PlaneStride(c.n), g);
 }
 
+template <MixOfPlanes kMix, uint32_t kPlanes>
+constexpr VectorKernel TwoMixes(const char *name, float *(*flex)(Call), float *(*strict)(Call)) {
+  return {
+      .name = name,
+      .flex = flex,
+      .strict = strict,
+      .oracle =
+          [](Call c) {
+            Mix(c.y, c, kMix, c.b);
+            Mix(c.z, c, kMix, c.b + kPlanes);
+          },
+      .y = Pairs,
+      .z = Pairs,
+      .a = Planes<kPlanes>,
+      .b = Gains<2 * kPlanes>,
+  };
+}
+
+float *StrictSix(Call c) { return MVK_CLCLmix6CL12SU_strict(c.y, c.z, c.a, c.b, c.n); }
+float *StrictSeven(Call c) { return MVK_CLCLmix7CL14SU_strict(c.y, c.z, c.a, c.b, c.n); }
+
 // The mixes of six and of seven planes need neither alignment nor whole groups by
 // either name.
 const VectorKernel kPlaneMixes[] = {
@@ -41,76 +62,19 @@ const VectorKernel kPlaneMixes[] = {
         .b = Gains<4>,
         .over_a = true,
     },
-    {
-        .name = "CLCLmix4CL8SU",
-        .flex = [](Call c) { return mvk_CLCLmix4CL8SU_flex(c.y, c.z, c.a, c.b, c.n); },
-        .strict = [](Call c) { return MVK_CLCLmix4CL8SU_strict(c.y, c.z, c.a, c.b, c.n); },
-        .oracle =
-            [](Call c) {
-              Mix(c.y, c, reference::MixOfFourPlanes, c.b);
-              Mix(c.z, c, reference::MixOfFourPlanes, c.b + 4);
-            },
-        .y = Pairs,
-        .z = Pairs,
-        .a = Planes<4>,
-        .b = Gains<8>,
-    },
-    {
-        .name = "CLCLmix6CL12SU",
-        .flex = [](Call c) { return mvk_CLCLmix6CL12SU_flex(c.y, c.z, c.a, c.b, c.n); },
-        .strict = [](Call c) { return MVK_CLCLmix6CL12SU_strict(c.y, c.z, c.a, c.b, c.n); },
-        .oracle =
-            [](Call c) {
-              Mix(c.y, c, reference::MixOfSixPlanes, c.b);
-              Mix(c.z, c, reference::MixOfSixPlanes, c.b + 6);
-            },
-        .y = Pairs,
-        .z = Pairs,
-        .a = Planes<6>,
-        .b = Gains<12>,
-    },
-    {
-        .name = "CLCLmix6CL12SU by its strict name",
-        .flex = [](Call c) { return MVK_CLCLmix6CL12SU_strict(c.y, c.z, c.a, c.b, c.n); },
-        .strict = [](Call c) { return MVK_CLCLmix6CL12SU_strict(c.y, c.z, c.a, c.b, c.n); },
-        .oracle =
-            [](Call c) {
-              Mix(c.y, c, reference::MixOfSixPlanes, c.b);
-              Mix(c.z, c, reference::MixOfSixPlanes, c.b + 6);
-            },
-        .y = Pairs,
-        .z = Pairs,
-        .a = Planes<6>,
-        .b = Gains<12>,
-    },
-    {
-        .name = "CLCLmix7CL14SU",
-        .flex = [](Call c) { return mvk_CLCLmix7CL14SU_flex(c.y, c.z, c.a, c.b, c.n); },
-        .strict = [](Call c) { return MVK_CLCLmix7CL14SU_strict(c.y, c.z, c.a, c.b, c.n); },
-        .oracle =
-            [](Call c) {
-              Mix(c.y, c, reference::MixOfSevenPlanes, c.b);
-              Mix(c.z, c, reference::MixOfSevenPlanes, c.b + 7);
-            },
-        .y = Pairs,
-        .z = Pairs,
-        .a = Planes<7>,
-        .b = Gains<14>,
-    },
-    {
-        .name = "CLCLmix7CL14SU by its strict name",
-        .flex = [](Call c) { return MVK_CLCLmix7CL14SU_strict(c.y, c.z, c.a, c.b, c.n); },
-        .strict = [](Call c) { return MVK_CLCLmix7CL14SU_strict(c.y, c.z, c.a, c.b, c.n); },
-        .oracle =
-            [](Call c) {
-              Mix(c.y, c, reference::MixOfSevenPlanes, c.b);
-              Mix(c.z, c, reference::MixOfSevenPlanes, c.b + 7);
-            },
-        .y = Pairs,
-        .z = Pairs,
-        .a = Planes<7>,
-        .b = Gains<14>,
-    },
+    TwoMixes<reference::MixOfFourPlanes, 4>(
+        "CLCLmix4CL8SU", [](Call c) { return mvk_CLCLmix4CL8SU_flex(c.y, c.z, c.a, c.b, c.n); },
+        [](Call c) { return MVK_CLCLmix4CL8SU_strict(c.y, c.z, c.a, c.b, c.n); }),
+    TwoMixes<reference::MixOfSixPlanes, 6>(
+        "CLCLmix6CL12SU", [](Call c) { return mvk_CLCLmix6CL12SU_flex(c.y, c.z, c.a, c.b, c.n); },
+        StrictSix),
+    TwoMixes<reference::MixOfSixPlanes, 6>("CLCLmix6CL12SU by its strict name", StrictSix,
+                                           StrictSix),
+    TwoMixes<reference::MixOfSevenPlanes, 7>(
+        "CLCLmix7CL14SU", [](Call c) { return mvk_CLCLmix7CL14SU_flex(c.y, c.z, c.a, c.b, c.n); },
+        StrictSeven),
+    TwoMixes<reference::MixOfSevenPlanes, 7>("CLCLmix7CL14SU by its strict name", StrictSeven,
+                                             StrictSeven),
 };
 
 TEST(PlaneMixes, TakeAnyCountAtAnyAlignment) {
