@@ -86,7 +86,9 @@ void convert_run(run src, run dst, unsigned n) {
   } else if (is_array_of<From>(src) && is_array_of<To>(dst)) {
     const From *from = reinterpret_cast<const From *>(src.start);
     To *to = reinterpret_cast<To *>(dst.start);
+#ifndef __clang__  // to which it is unknown
 #pragma GCC ivdep
+#endif
     for (unsigned i = 0; i < n; ++i) to[i] = sample(from[i]);
   } else {
     for (; n >= chunk; n -= chunk) convert(std::integral_constant<unsigned, chunk>{});

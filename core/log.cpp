@@ -10,7 +10,7 @@ namespace mvk {
 
 void log_error(const char *text) {
   constexpr int error = 6;
-  __android_log_print(error, nullptr, text);
+  __android_log_print(error, nullptr, "%s", text);
 }
 
 }  // namespace mvk

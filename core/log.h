@@ -3,8 +3,7 @@
 
 namespace mvk {
 
-// Writes text, which has no conversions in it and ends its own line, as an
-// error without a tag.
+// Writes text, which ends its own line, as an error without a tag.
 void log_error(const char *text);
 
 }  // namespace mvk

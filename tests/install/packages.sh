@@ -29,6 +29,7 @@ for package in libmavokresampler libmavokresampler-dev mavokresampler-tools; do
   [ "$(dpkg-deb -f "$file" Description | wc -l)" -gt 1 ] || fail "$package: no description"
   dpkg-deb -x "$file" "$scratch/root"
   [ -f "$scratch/root/usr/share/doc/$package/copyright" ] || fail "$package: no copyright"
+  gzip -t "$scratch/root/usr/share/doc/$package/changelog.gz" || fail "$package: no changelog"
   ((files += $(dpkg-deb -c "$file" | grep -vc '/$')))
 done
 [ "$files" -eq "$(find "$scratch/root" -type f | wc -l)" ] || fail 'a file is in two packages'
@@ -50,7 +51,7 @@ grep -rlF -e "$build" -e "$scratch" "$root" && fail 'files above name the build 
 expect_service "$root" "$cc" "$cxx" '' "$scratch"
 [ "$("$root/bin/mvk" --version)" = "mvk $version" ] || fail 'mvk has another version'
 "$root/bin/mvk" info | grep -q AudioResampler || fail "mvk doesn't find its library"
-[ -f "$root/share/man/man1/mvk.1" ] || fail 'no manual'
+gzip -t "$root/share/man/man1/mvk.1.gz" || fail 'no manual'
 bash -c 'source "$1" && complete -p mvk' - "$root/share/bash-completion/completions/mvk" >/dev/null
 
 pc=$(dirname "$(find "$root" -name mavokresampler.pc)")

@@ -9,5 +9,5 @@ check() {
     xargs -0 -n 1 -P "$(nproc)" "$tidy" --quiet -p "$build" --checks="$1"
 }
 # The analyzer would be busy for minutes with loops that are unrolled, and calculate tables.
-check '-clang-analyzer-*' fft dct
-check '' core component kernels limiter filterbanks services
+check '-clang-analyzer-*' kernels fft dct filterbanks
+check '' core component limiter services
