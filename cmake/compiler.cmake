@@ -16,8 +16,11 @@ if(MVK_SANITIZE)
   add_link_options(-fsanitize=${MVK_SANITIZE})
 endif()
 if(MVK_COVERAGE)
-  add_compile_options(--coverage)
-  add_link_options(--coverage)
+  if(NOT CMAKE_CXX_COMPILER_ID STREQUAL Clang)
+    message(FATAL_ERROR "MVK_COVERAGE=ON needs clang: configure with -DCMAKE_CXX_COMPILER=clang++")
+  endif()
+  add_compile_options(-fprofile-instr-generate -fcoverage-mapping)
+  add_link_options(-fprofile-instr-generate)
 endif()
 
 # The ground floor: headers, and the vector unit that they are compiled for.
