@@ -1,6 +1,7 @@
 // One second-order section over many buffers.
 #include <gtest/gtest.h>
 
+#include <array>
 #include <deque>
 #include <vector>
 
@@ -94,6 +95,41 @@ TEST(FilterChannels, ThatShareABufferOrAStateRunInOrder) {
         EXPECT_TRUE(SameSamples(channels.buffers[i].values(), wanted[i], call)) << "channel " << i;
         EXPECT_TRUE(SameSamples(channels.states[i].values(), states[i], call)) << "state " << i;
       }
+    }
+  }
+}
+
+// Where nine buffers or states begin, in halves of one.
+using Places = std::array<size_t, 9>;
+constexpr Places kApart = {0, 2, 4, 6, 8, 10, 12, 14, 16};
+constexpr Places kOverlapping[] = {{16, 16, 14, 12, 10, 8, 6, 4, 2},
+                                   {16, 14, 12, 10, 8, 6, 5, 3, 1},
+                                   {0, 2, 4, 6, 8, 10, 12, 13, 15},
+                                   {0, 1, 3, 5, 7, 9, 11, 13, 15},
+                                   {2, 4, 6, 8, 10, 12, 14, 16, 1}};
+
+TEST(FilterChannels, ThatOverlapRunInOrderWhicheverWayTheyLie) {
+  Random random(3);
+  for (const Places &places : kOverlapping) {
+    for (const bool share_buffers : {true, false}) {
+      const KernelCall call{"Liir2ssv3aLU_inplace", share_buffers ? "buffers" : "states", 9};
+      std::vector<float> buffers = Samples(kUniform, random, 9 * kBlockSize);
+      std::vector<float> states = Samples(kUniform, random, 9 * 2);
+      const std::vector<float> c = Samples(kUniform, random, 5);
+      std::vector<float> wanted = buffers, wanted_states = states;
+      std::vector<float *> y, s;
+      for (size_t i = 0; i < places.size(); ++i) {
+        const size_t buffer = (share_buffers ? places : kApart)[i] * kBlockSize / 2;
+        const size_t state = (share_buffers ? kApart : places)[i];
+        y.push_back(&buffers[buffer]);
+        s.push_back(&states[state]);
+        const std::vector<float> in(&wanted[buffer], &wanted[buffer] + kBlockSize);
+        reference::StateSpace3(&wanted[buffer], in.data(), kBlockSize, c.data(),
+                               &wanted_states[state]);
+      }
+      MVK_blk_Liir2ssv3aLU_inplace(y.data(), c.data(), s.data(), 9);
+      EXPECT_TRUE(SameSamples(buffers, wanted, call)) << "from " << places[0];
+      EXPECT_TRUE(SameSamples(states, wanted_states, call)) << "from " << places[0];
     }
   }
 }
