@@ -7,8 +7,9 @@ import matplotlib
 
 matplotlib.use("svg")
 matplotlib.rcParams.update({
-    "svg.hashsalt": "mavokresampler", "font.size": 8, "axes.spines.top": False,
-    "axes.spines.right": False, "axes.spines.left": False, "legend.frameon": False})
+    "svg.hashsalt": "mavokresampler", "svg.fonttype": "none", "font.size": 8,
+    "axes.spines.top": False, "axes.spines.right": False, "axes.spines.left": False,
+    "legend.frameon": False})
 
 from matplotlib import pyplot, ticker  # noqa: E402  the backend comes first
 
