@@ -11,6 +11,10 @@
 
 namespace {
 
+using mvk::as_array_of;
+using mvk::is_array_of;
+using mvk::strided;
+
 // ---- Samples ----------------------------------------------------------------
 
 std::uint32_t same_bits(std::uint32_t x) { return x; }
@@ -44,33 +48,20 @@ double to_float64(float x) { return x; }
 
 // ---- Runs of samples ----------------------------------------------------------
 
-// Samples of one channel, `step` bytes apart.
-struct run {
-  char *start;
-  std::uint64_t step;
-};
-
 // A walk by chunks is as good as one sample by sample: no sample is written over
 // before it is read.
 template <class From, class To>
-bool goes_by_chunks(run src, run dst, unsigned n) {
+bool goes_by_chunks(strided src, strided dst, unsigned n) {
   const auto from = reinterpret_cast<std::uintptr_t>(src.start);
   const auto to = reinterpret_cast<std::uintptr_t>(dst.start);
   const bool apart = to + n * dst.step <= from || from + n * src.step <= to;
   return apart || (to <= from && dst.step <= src.step && sizeof(To) <= sizeof(From));
 }
 
-// The run is an array of T, neither apart nor unaligned.
-template <class T>
-bool is_array_of(run samples) {
-  return samples.step == sizeof(T) &&
-         reinterpret_cast<std::uintptr_t>(samples.start) % alignof(T) == 0;
-}
-
 // Converts n samples in order. Arrays go at once; else chunks of samples are read,
 // converted as one array, and written.
 template <class From, class To, To sample(From)>
-void convert_run(run src, run dst, unsigned n) {
+void convert_run(strided src, strided dst, unsigned n) {
   constexpr unsigned chunk = 64;
   const auto convert = [&](auto count) __attribute__((always_inline)) {
     From from[chunk];
@@ -84,8 +75,8 @@ void convert_run(run src, run dst, unsigned n) {
   if (!goes_by_chunks<From, To>(src, dst, n)) {
     for (; n > 0; --n) convert(std::integral_constant<unsigned, 1>{});
   } else if (is_array_of<From>(src) && is_array_of<To>(dst)) {
-    const From *from = reinterpret_cast<const From *>(src.start);
-    To *to = reinterpret_cast<To *>(dst.start);
+    const From *from = as_array_of<From>(src);
+    To *to = as_array_of<To>(dst);
 #ifndef __clang__  // to which it is unknown
 #pragma GCC ivdep
 #endif
@@ -98,14 +89,14 @@ void convert_run(run src, run dst, unsigned n) {
 
 // Copies n floats as bits, so that a NaN keeps its own. A copy onto itself, as
 // the resampler makes where it stages floats for a host of floats, is left out.
-void copy_run(run src, run dst, unsigned n) {
+void copy_run(strided src, strided dst, unsigned n) {
   if (src.start == dst.start && src.step == dst.step) return;
   convert_run<std::uint32_t, std::uint32_t, same_bits>(src, dst, n);
 }
 
 struct conversion {
   std::int32_t from, to;
-  void (*run)(run src, run dst, unsigned n);
+  void (*run)(strided src, strided dst, unsigned n);
 };
 
 constexpr conversion conversions[] = {
@@ -143,7 +134,7 @@ unsigned width(std::int32_t datatype) {
 }
 
 // Channel c from frame `frame` on.
-run channel_run(const orvane_stream_desc &stream, unsigned c, std::uint64_t frame) {
+strided channel_run(const orvane_stream_desc &stream, unsigned c, std::uint64_t frame) {
   const std::uint64_t step = stream.stride * width(stream.datatype);
   return {static_cast<char *>(stream.channel_ptrs[c]) + frame * step, step};
 }

@@ -33,8 +33,11 @@ struct orvane_resampler {
 
 namespace {
 
+using mvk::as_array_of;
 using mvk::history_length;
+using mvk::is_array_of;
 using mvk::phase_samples;
+using mvk::strided;
 using mvk::window_length;
 
 constexpr std::size_t alignment = 32;
@@ -60,29 +63,16 @@ block_size block_frames(unsigned factor, bool upsampling) {
   return upsampling ? block_size{low, high} : block_size{high, low};
 }
 
-// Where the samples of one channel of floats stand.
-struct channel {
-  char *start;
-  std::size_t step;  // bytes from frame to frame
-};
-
-channel float_channel(const orvane_stream_desc &stream, unsigned c) {
+// The samples of one channel of floats.
+strided float_channel(const orvane_stream_desc &stream, unsigned c) {
   return {static_cast<char *>(stream.channel_ptrs[c]), stream.stride * sizeof(float)};
 }
-
-// The channel is an array of floats, neither apart nor unaligned.
-bool is_array(channel samples) {
-  const bool aligned = reinterpret_cast<std::uintptr_t>(samples.start) % alignof(float) == 0;
-  return aligned && samples.step == sizeof(float);
-}
-
-float *as_array(channel samples) { return reinterpret_cast<float *>(samples.start); }
 
 // Runs filter(y) so that its n results end up in the channel: at once where the
 // channel is an array, else by way of the stack.
 template <int n, class Filter>
-void write_channel(channel out, Filter filter) {
-  if (is_array(out)) return filter(as_array(out));
+void write_channel(strided out, Filter filter) {
+  if (is_array_of<float>(out)) return filter(as_array_of<float>(out));
   alignas(alignment) float y[n];
   filter(y);
   mvk::scatter(out.start, out.step, y, n);
@@ -98,7 +88,7 @@ void upsample(orvane_resampler &r, const orvane_stream_desc &in, const orvane_st
   constexpr int n = phase_samples<F>;
   for (unsigned c = 0; c < r.channels; ++c) {
     history &past = r.two_phases[c][0];
-    const channel x = float_channel(in, c);
+    const strided x = float_channel(in, c);
     alignas(alignment) float window[window_length<F>];
     std::memcpy(window, past, sizeof past);
     mvk::gather(window + history_length, x.start, x.step, n);
@@ -113,10 +103,10 @@ void downsample(orvane_resampler &r, const orvane_stream_desc &in, const orvane_
   constexpr int n = phase_samples<F>;
   for (unsigned c = 0; c < r.channels; ++c) {
     history *pasts = F == 2 ? r.two_phases[c] : r.four_phases[c];
-    const channel x = float_channel(in, c);
+    const strided x = float_channel(in, c);
     alignas(alignment) float windows[F][window_length<F>];
-    if (is_array(x))
-      mvk::split_phases(windows, as_array(x));
+    if (is_array_of<float>(x))
+      mvk::split_phases(windows, as_array_of<float>(x));
     else
       for (int p = 0; p < F; ++p)
         mvk::gather(windows[p] + history_length, x.start + p * x.step, F * x.step, n);

@@ -10,6 +10,8 @@
 //   lanes<V>                     samples in a V: 1, 4, 8
 //   load<V>(p), store(p, v)      any float address
 //   load_once<V>(p)              the same, held in a register from there on
+//   load_descending<V>(p),       lane 0 at p, lane 1 before it, and so on
+//   store_descending(p, v)
 //   V(x)                         x in every lane; a float beside a V becomes one
 //   a + b, a - b, a * b, a / b   one rounding each
 //   fma(a, b, c)                 a * b + c, one rounding
@@ -51,7 +53,8 @@
 //
 // `native` is the widest vector that is one register. Of the processor, fma_overwrites_addend
 // says that a fused operation does so, and pointers_move_on that loads and stores can move
-// their pointers on, and that there are pointers enough for each operand to have one.
+// their pointers on, and that there are pointers enough for each operand to have one; has_maxnum
+// that maxnum and minnum are operations of its own.
 //
 // (The names fms and fnms are the equations' own: x86's fmsub is fnms here and
 // its fnmadd is fms.)
@@ -122,6 +125,15 @@ inline V load_once(const float *p) {
   return load<V>(p);
 }
 #endif
+
+template <class V>
+MVK_INLINE V load_descending(const float *p) {
+  return reverse(load<V>(p - (lanes<V> - 1)));
+}
+template <class V>
+MVK_INLINE void store_descending(float *p, V a) {
+  store(p - (lanes<V> - 1), reverse(a));
+}
 
 template <class V>
 MVK_INLINE halves<V> load_next(const float *&p) {

@@ -3,12 +3,30 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <cstring>
 #include <type_traits>
 
 #include "core/loop.h"
 
 namespace mvk {
+
+// Samples `step` bytes apart, the first one at `start`.
+struct strided {
+  char *start;
+  std::size_t step;
+};
+
+// They are an array of T, neither apart nor unaligned.
+template <class T>
+inline bool is_array_of(strided samples) {
+  return samples.step == sizeof(T) &&
+         reinterpret_cast<std::uintptr_t>(samples.start) % alignof(T) == 0;
+}
+template <class T>
+inline T *as_array_of(strided samples) {
+  return reinterpret_cast<T *>(samples.start);
+}
 
 // Lane k = the float at p + k * step bytes.
 template <class V>

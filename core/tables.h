@@ -66,6 +66,14 @@ constexpr double cos_octant(double x) {
 
 }  // namespace detail
 
+// 2^-x for x from 0 to 1, by the exponential series to within rounding.
+constexpr double exp2_negative(double x) {
+  constexpr double ln2 = 0.693147180559945309417;
+  double sum = 1;
+  for (int n = 20; n > 0; --n) sum = 1 - sum * (x * ln2 / n);
+  return sum;
+}
+
 // sin(pi p / q) and cos(pi p / q), q > 0, |p| and q below 2^60. The angle is
 // reduced as a fraction, exactly, to within an eighth of a turn. The result is
 // within 2^-51 of the value, relatively, so that narrowing it gives the

@@ -10,30 +10,12 @@
 
 #include "core/complex.h"
 #include "core/loop.h"
+#include "fft/forward_pair.h"
 #include "mvk_dct.h"
 
 using namespace mvk;
 
 namespace {
-
-// Lanes at p, p + 1 and so on, and at p, p - 1 and so on.
-template <class V>
-MVK_INLINE V ascending(const float *p) {
-  return load<V>(p);
-}
-template <class V>
-MVK_INLINE V descending(const float *p) {
-  return reverse(load<V>(p - (lanes<V> - 1)));
-}
-template <class V>
-MVK_INLINE void store_descending(float *p, V a) {
-  store(p - (lanes<V> - 1), reverse(a));
-}
-
-template <class V>
-MVK_INLINE cpx<V> load_descending(const float *p) {
-  return reversed(load_complex<V>(p - 2 * (lanes<V> - 1)));
-}
 
 // Lanes p, p + 4 and so on; what lies between them is read.
 template <class V>
@@ -81,12 +63,12 @@ struct angles {
 };
 template <class V>
 MVK_INLINE angles<V> of_k(const lengths &l, std::size_t k) {
-  return {ascending<V>(l.t + k), descending<V>(l.t + l.N - k)};
+  return {load<V>(l.t + k), load_descending<V>(l.t + l.N - k)};
 }
 // Of H - k.
 template <class V>
 MVK_INLINE angles<V> of_mirrored_k(const lengths &l, std::size_t k) {
-  return {descending<V>(l.t + l.H - k), ascending<V>(l.t + l.H + k)};
+  return {load_descending<V>(l.t + l.H - k), load<V>(l.t + l.H + k)};
 }
 template <class V>
 MVK_INLINE angles<V> of_4k(const lengths &l, std::size_t k) {
@@ -111,24 +93,15 @@ struct parts {
   MVK_INLINE V u_less_half_difference() const { return fms(D, V(0.5f), u); }
 };
 
-void run(mvk_fft_kernel *kernel, float *dst, float *src, std::size_t n) {
-  if (kernel) kernel(dst, src, static_cast<std::uint32_t>(n));
-}
-
 // ---- Type II ------------------------------------------------------------------
 
 // Even samples ascending, odd ones descending.
 void fold(float *z, const float *x, const lengths &l) {
   if (l.H < 2) return;
   counted<native>(2 * l.Q, [=, N = l.N]<class V>(std::size_t j) {
-    if constexpr (lanes<V> == 1) {
-      z[j] = x[2 * j];
-      z[N - 1 - j] = x[2 * j + 1];
-    } else {
-      const auto [even, odd] = deinterleave(load<V>(x + 2 * j), load<V>(x + 2 * j + lanes<V>));
-      store(z + j, even);
-      store_descending(z + N - 1 - j, odd);
-    }
+    const auto [even, odd] = deinterleave(load<V>(x + 2 * j), load<V>(x + 2 * j + lanes<V>));
+    store(z + j, even);
+    store_descending(z + N - 1 - j, odd);
   });
 }
 
@@ -153,7 +126,8 @@ void split_and_rotate(float *y, const float *z, const lengths &l) {
   y[l.H] = (h * z[0] - h * z[1]) * l.t[l.H];
   if (l.Q > 1)
     cover(1, l.Q, [=]<class V>(std::size_t k) {
-      const cpx<V> a = load_complex<V>(z + 2 * k), b = load_descending<V>(z + 2 * (l.H - k));
+      const cpx<V> a = load_complex<V>(z + 2 * k),
+                   b = load_complex_descending<V>(z + 2 * (l.H - k));
       const parts<V> p(a, b, of_4k<V>(l, k));
       const rotated<scaled, V> low(p.half_sum_and_v(), p.u_less_half_difference(), of_k<V>(l, k));
       const rotated<scaled, V> high(p.half_sum_less_v(), p.u_and_half_difference(),
@@ -185,8 +159,8 @@ void rotate_and_merge(float *z, const float *x, const lengths &l) {
   z[1] = 0.5f * x[0] - g;
   if (l.Q > 1)
     cover(1, l.Q, [=]<class V>(std::size_t k) {
-      const cpx<V> a = rotate_back(ascending<V>(x + k), descending<V>(x + l.N - k), of_k<V>(l, k));
-      const cpx<V> b = rotate_back(descending<V>(x + l.H - k), ascending<V>(x + l.H + k),
+      const cpx<V> a = rotate_back(load<V>(x + k), load_descending<V>(x + l.N - k), of_k<V>(l, k));
+      const cpx<V> b = rotate_back(load_descending<V>(x + l.H - k), load<V>(x + l.H + k),
                                    of_mirrored_k<V>(l, k));
       const parts<V> p(a, b, of_4k<V>(l, k));
       store_interleaved(z + 2 * k, p.half_sum_less_v(), p.u_and_half_difference());
@@ -202,7 +176,7 @@ void rotate_and_merge(float *z, const float *x, const lengths &l) {
 
 void unfold(float *y, const float *z, const lengths &l) {
   counted<native>(2 * l.Q, [=, N = l.N]<class V>(std::size_t j) {
-    store_interleaved(y + 2 * j, ascending<V>(z + j), descending<V>(z + N - 1 - j));
+    store_interleaved(y + 2 * j, load<V>(z + j), load_descending<V>(z + N - 1 - j));
   });
 }
 
@@ -223,7 +197,7 @@ void mvk_dctII_scaled(const mvk_fft_pair *pair, const float *twiddle, float *out
                       uint32_t n) {
   const lengths l(n, twiddle);
   fold(out, in, l);
-  run(pair ? pair->scaled : MVK_r4_cplx_fwd_scaled(n / 2), in, out, l.H);
+  transform_scaled(pair, in, out, l.H);
   split_and_rotate<true>(out, in, l);
 }
 
@@ -231,7 +205,7 @@ void mvk_dctII_unscaled(const mvk_fft_pair *pair, const float *twiddle, float *o
                         uint32_t n) {
   const lengths l(n, twiddle);
   fold(out, in, l);
-  run(pair ? pair->unscaled : MVK_r4_cplx_fwd_unscaled(n / 2), in, out, l.H);
+  transform_unscaled(pair, in, out, l.H);
   split_and_rotate<false>(out, in, l);
 }
 
@@ -239,7 +213,7 @@ void mvk_dctIII_scaled(const mvk_fft_pair *pair, const float *twiddle, float *ou
                        uint32_t n) {
   const lengths l(n, twiddle);
   rotate_and_merge(out, in, l);
-  run(pair ? pair->scaled : MVK_r4_cplx_fwd_scaled(n / 2), in, out, l.H);
+  transform_scaled(pair, in, out, l.H);
   unfold(out, in, l);
 }
 

@@ -2,6 +2,7 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "core/complex.h"
 #include "core/loop.h"
 #include "mvk_dct.h"
 
@@ -9,25 +10,16 @@ using namespace mvk;
 
 namespace {
 
-// Lanes p[0], p[2] and so on, or the odd ones; two vectors of memory from p on.
-template <class V>
-MVK_INLINE halves<V> evens_and_odds(const float *p) {
-  if constexpr (lanes<V> == 1)
-    return {p[0], p[1]};
-  else
-    return deinterleave(load<V>(p), load<V>(p + lanes<V>));
-}
-
 // Samples 2 i and 2 n - 1 - 2 i of the result.
 template <class V>
 struct turned {
   V even, odd;
 
   MVK_INLINE turned(const float *in, const float *c, const float *s, std::size_t i, float gain) {
-    const auto [r, m] = evens_and_odds<V>(in + 2 * i);
+    const cpx<V> z = load_complex<V>(in + 2 * i);
     const V ci = load<V>(c + i), si = load<V>(s + i);
-    even = fma(si, r, ci * m) * V(gain);
-    odd = fms(si, m, ci * r) * V(gain);
+    even = fma(si, z.re, ci * z.im) * V(gain);
+    odd = fms(si, z.im, ci * z.re) * V(gain);
   }
 };
 
@@ -63,8 +55,8 @@ void mvk_dct4_premodulation(float *out, const float *in, const float *c, const f
                             uint32_t n) {
   const std::size_t end = 2 * std::size_t{n};
   counted<native>(n, [=]<class V>(std::size_t i) {
-    const V a = evens_and_odds<V>(in + 2 * i).lo;
-    const V b = reverse(evens_and_odds<V>(in + end - 2 * i - 2 * lanes<V>).hi);
+    const V a = load_complex<V>(in + 2 * i).re;
+    const V b = load_complex_descending<V>(in + end - 2 * i - 2).im;
     const V ci = load<V>(c + i), si = load<V>(s + i);
     store_interleaved(out + 2 * i, fma(si, a, ci * b), fms(ci, a, si * b));
   });

@@ -85,17 +85,17 @@ MVK_INLINE void butterfly(const cpx<A> (&a)[4], const cpx<V> (&b)[4], cpx<V> (&y
 
   const V P = ((d1.im - a3.re) + a7.re) * r, Q = ((d1.im - a7.re) + a3.re) * r;
   const V U = (d1.re - a3.im) + a7.im, W = (d1.re - a7.im) + a3.im;
-  const V A_ = (d0.im - a2.re) + a6.re, B = (d0.re - a2.im) + a6.im;
+  const V F = (d0.im - a2.re) + a6.re, B = (d0.re - a2.im) + a6.im;
   const V C = (d0.re - a6.im) + a2.im, D = (d0.im - a6.re) + a2.re;
   const V G = fma(W, r, P), H = fma(U, r, Q);
   const cpx<V> E = s0 + s2, I = s0 - s2, K = s1 + s3;
 
   y[0] = E + K;
-  y[1] = {C + G, fms(W, r, A_ + P)};
+  y[1] = {C + G, fms(W, r, F + P)};
   y[2] = {(I.re - s3.im) + s1.im, (I.im - s1.re) + s3.re};
   y[3] = {fms(U, r, B + Q), D - H};
   y[4] = E - K;
-  y[5] = {C - G, fma(W, r, A_) - P};
+  y[5] = {C - G, fma(W, r, F) - P};
   y[6] = {(I.re - s1.im) + s3.im, (I.im - s3.re) + s1.re};
   y[7] = {fma(U, r, B) - Q, D + H};
 }

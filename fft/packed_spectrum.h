@@ -100,14 +100,14 @@ struct from_spectrum {
 template <class Conversion>
 inline void convert_bins(float *z, std::size_t n, const float *sine) {
   const auto convert = [=]<class V>(std::size_t k, V) {
-    const std::size_t m = n - k - (lanes<V> - 1);
-    const bin_pair<V> bins = {load_complex<V>(z + 2 * k), reversed(load_complex<V>(z + 2 * m))};
-    const V s = load<V>(sine + k - 1), c = reverse(load<V>(sine + n / 2 - k - lanes<V>));
+    const bin_pair<V> bins = {load_complex<V>(z + 2 * k),
+                              load_complex_descending<V>(z + 2 * (n - k))};
+    const V s = load<V>(sine + k - 1), c = load_descending<V>(sine + n / 2 - k - 1);
     return Conversion::pair(bins, s, c);
   };
   const auto store_bins = [=]<class V>(std::size_t k, bin_pair<V> x) {
     store_complex(z + 2 * k, x.k);
-    store_complex(z + 2 * (n - k - (lanes<V> - 1)), reversed(x.m));
+    store_complex_descending(z + 2 * (n - k), x.m);
   };
 
   const auto convert_one = [=](std::size_t k, auto conversion) {

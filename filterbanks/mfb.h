@@ -7,7 +7,7 @@
 
 #include "core/carve.h"
 #include "core/simd.h"
-#include "filterbanks/forward_pair.h"
+#include "fft/forward_pair.h"
 
 namespace mvk {
 

@@ -35,7 +35,7 @@ MVK_INLINE void window(float *u, float *history, std::uint32_t position, const f
     const auto c = [=](int tap) { return load_tap<V>(prototype, tap, k); };
     const auto x = [&](int j) { return load<V>(blocks[j] + k); };
     const V newest =
-        V(0.5f) * (W == way::usual ? load<V>(in + k) : reverse(load<V>(in + M - lanes<V> - k)));
+        V(0.5f) * (W == way::usual ? load<V>(in + k) : load_descending<V>(in + M - 1 - k));
     V odd = c(5) * x(5);
     odd = fma(c(1), x(1), odd);
     odd = fms(c(3), x(3), odd);
@@ -58,11 +58,10 @@ MVK_INLINE void analyse(state *record, const float *prototype, const float *twid
                         std::uint32_t channels, std::uint32_t slots, std::uint32_t M,
                         float *const *const *out, const float *const *const *in, Finish finish) {
   float *const u = carver(scratch).take<float>(4 * M, 32), *const bins = u + 2 * M;
-  mvk_fft_kernel *const transform = record->pair ? record->pair->scaled : MVK_r4_cplx_fwd_scaled(M);
   for (std::uint32_t s = 0; s < slots; ++s, ++record->position)
     for (std::uint32_t c = 0; c < channels; ++c) {
       window<W>(u, record->channel_history[c], record->position, prototype, twiddle, in[s][c], M);
-      if (transform) transform(bins, u, M);
+      transform_scaled(record->pair, bins, u, M);
       finish(out[s][c], bins);
     }
 }

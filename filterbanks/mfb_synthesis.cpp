@@ -126,12 +126,10 @@ MVK_INLINE void synthesise(state *record, const float *prototype, const float *t
                            std::uint32_t M, float *const *const *out, const float *const *const *in,
                            Even even, Odd odd) {
   float *const z = carver(scratch).take<float>(4 * M, 32), *const bins = z + 2 * M;
-  mvk_fft_kernel *const transform =
-      record->pair ? record->pair->unscaled : MVK_r4_cplx_fwd_unscaled(M);
   for (std::uint32_t s = 0; s < slots; ++s)
     for (std::uint32_t c = 0; c < channels; ++c) {
       bins_from_bands(z, in[s][c], M, even, odd);
-      if (transform) transform(bins, z, M);
+      transform_unscaled(record->pair, bins, z, M);
       window<F>(out[s][c], record->channel_history[c], prototype, twiddle, bins, M);
     }
 }

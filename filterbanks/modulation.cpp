@@ -3,22 +3,13 @@
 #include <cstdint>
 
 #include "core/loop.h"
+#include "fft/forward_pair.h"
 #include "filterbanks/reorder.h"
 #include "filterbanks/rotation.h"
 #include "mvk_dct.h"
 #include "mvk_qmf.h"
 
 using namespace mvk;
-
-namespace {
-
-// Lanes p, p - 1 and so on.
-template <class V>
-MVK_INLINE V descending(const float *p) {
-  return reverse(load<V>(p - (lanes<V> - 1)));
-}
-
-}  // namespace
 
 // ---- Real ---------------------------------------------------------------------
 
@@ -28,8 +19,8 @@ void mvk_forwardModulationReal(const float *src, float *out, uint32_t M,
   const std::size_t H = M / 2;
   counted<native>(H, [=]<class V>(std::size_t i) {
     const float *middle = src + 3 * H;
-    store(work + i, V(0.5f) * (descending<V>(middle - i) + load<V>(middle + i)));
-    store(work + H + i, V(0.5f) * (descending<V>(src + 2 * H - i) - load<V>(src + i)));
+    store(work + i, V(0.5f) * (load_descending<V>(middle - i) + load<V>(middle + i)));
+    store(work + H + i, V(0.5f) * (load_descending<V>(src + 2 * H - i) - load<V>(src + i)));
   });
   work[0] = 0.5f * src[3 * H];
   if (work == out)
@@ -52,14 +43,14 @@ void mvk_inverseModulationReal(float *data, float *work, uint32_t M, const mvk_f
   data[0] = y[H] + y[H];
   counted<native>(H, [=]<class V>(std::size_t i) {
     const V v = load<V>(y + i) + load<V>(y + i);
-    store(data + H - i - (lanes<V> - 1), reverse(v));
+    store_descending(data + H - i, v);
     store(data + H + i, v);
   });
   counted<native>(
       H, [=]<class V>(std::size_t i) { store(work + i, load<V>(y + H + i) + load<V>(y + H + i)); });
   work[H] = 0;
   counted<native>(H - 1, [=]<class V>(std::size_t i) {
-    store(work + H + 1 + i, -descending<V>(work + H - 1 - i));
+    store(work + H + 1 + i, -load_descending<V>(work + H - 1 - i));
   });
 }
 
@@ -120,17 +111,12 @@ bool turns(std::uint32_t twiddle_mode, const float *rotation) {
   return twiddle_mode != MVK_TWIDDLE_NONE && (twiddle_mode != MVK_TWIDDLE_ALIGN || rotation);
 }
 
-void transform(const mvk_fft_pair *pair, float *dst, float *src, std::uint32_t M) {
-  mvk_fft_kernel *const kernel = pair ? pair->unscaled : MVK_r4_cplx_fwd_unscaled(M);
-  if (kernel) kernel(dst, src, M);
-}
-
 }  // namespace
 
 void mvk_forwardModulationComplex(float *src, float *out, float *fft_out, uint32_t M,
                                   uint32_t twiddle_mode, const float *rotation,
                                   const mvk_fft_pair *pair) {
-  transform(pair, fft_out, src, M);
+  transform_unscaled(pair, fft_out, src, M);
   const auto reorder = [=](auto turn) {
     bands_from_bins(out, fft_out, M, conjugate{}, plain{}, turn);
   };
@@ -154,5 +140,5 @@ void mvk_inverseModulationComplex(const float *src, float *out, float *fft_in, u
     reorder(turned_back<alignment>{{rotation}});
   else
     reorder(turned_back<half_sample>{{rotation, M}});
-  transform(pair, out, fft_in, M);
+  transform_unscaled(pair, out, fft_in, M);
 }

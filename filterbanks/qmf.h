@@ -6,7 +6,7 @@
 #include <cstdint>
 
 #include "core/carve.h"
-#include "filterbanks/forward_pair.h"
+#include "fft/forward_pair.h"
 #include "mvk_qmf.h"
 
 namespace mvk {

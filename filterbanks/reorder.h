@@ -54,7 +54,7 @@ MVK_INLINE void bands_from_bins(float *bands, const float *bins, std::size_t M, 
                                 Turn turn = {}) {
   counted<native>(M / 2, [=]<class V>(std::size_t m) {
     const cpx<V> low = even(load_complex<V>(bins + 2 * m));
-    const cpx<V> high = odd(reversed(load_complex<V>(bins + 2 * (M - lanes<V> - m))));
+    const cpx<V> high = odd(load_complex_descending<V>(bins + 2 * (M - 1 - m)));
     const halves<V> re = interleave(low.re, high.re), im = interleave(low.im, high.im);
     store_complex(bands + 4 * m, turn(cpx<V>{re.lo, im.lo}, 2 * m));
     store_complex(bands + 4 * m + 2 * lanes<V>, turn(cpx<V>{re.hi, im.hi}, 2 * m + lanes<V>));
@@ -69,7 +69,7 @@ MVK_INLINE void bins_from_bands(float *bins, const float *bands, std::size_t M, 
     const cpx<V> second = turn(load_complex<V>(bands + 4 * m + 2 * lanes<V>), 2 * m + lanes<V>);
     const halves<V> re = deinterleave(first.re, second.re), im = deinterleave(first.im, second.im);
     store_complex(bins + 2 * m, even(cpx<V>{re.lo, im.lo}));
-    store_complex(bins + 2 * (M - lanes<V> - m), reversed(odd(cpx<V>{re.hi, im.hi})));
+    store_complex_descending(bins + 2 * (M - 1 - m), odd(cpx<V>{re.hi, im.hi}));
   });
 }
 

@@ -1,6 +1,4 @@
 // Limits, comparisons and arithmetic of blocks, sample by sample.
-#include <cmath>
-
 #include "kernels/kernel.h"
 
 using namespace mvk;
@@ -44,11 +42,7 @@ MVK_KERNEL(float *, blk_LabsL, (float *y, const float *a)) {
 
 MVK_KERNEL(float *, blk_LclipL, (float *y, const float *limits, const float *a)) {
   const float low = limits[0], high = limits[1];
-  // A comparison gives the limit for a NaN and for equal zeros, which is right unless
-  // the limit is a NaN or the zero of the other sign.
-  const bool compare_low = low == low && !(low == 0 && std::signbit(low));
-  const bool compare_high = high == high && !(high == 0 && !std::signbit(high));
-  if (compare_low && compare_high)
+  if (!has_maxnum && is_number_but(-0.0f, low) && is_number_but(0.0f, high))
     return map_block(
         y, [=](auto p) { return lesser_of(greater_of(p, decltype(p)(low)), decltype(p)(high)); },
         a);

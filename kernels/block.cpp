@@ -3,38 +3,25 @@
 
 using namespace mvk;
 
-namespace {
-
 // The forms of BLmaxBLL differ in what they make of a NaN sample.
-struct skipping {
-  template <class V>
-  V operator()(V a, V b) const {
-    return maxnum(a, b);
-  }
-};
-struct propagating {
-  template <class V>
-  V operator()(V a, V b) const {
-    return max_propagating(a, b);
-  }
-};
-
-template <class Max>
-float *max_block(float *y, const float *x, float s, Max max) {
-  return map_block(
-      y, [=](auto a) { return max(a, decltype(a)(s)); }, x);
-}
-
-}  // namespace
 
 float *mvk_BLmaxBLL_flex(float *y, const float *x, float s) {
-  return max_block(y, x, s, skipping{});
+  if (!has_maxnum && is_number_but(-0.0f, s))
+    return map_block(
+        y, [=](auto a) { return greater_of(a, decltype(a)(s)); }, x);
+  return map_block(
+      y, [=](auto a) { return maxnum(a, decltype(a)(s)); }, x);
 }
 float *MVK_BLmaxBLL_strict(float *y, const float *x, float s) {
-  return max_block(y, x, s, propagating{});
+  // A comparison in this order lets a NaN sample through.
+  if (!has_maxnum && is_number_but(0.0f, s))
+    return map_block(
+        y, [=](auto a) { return greater_of(decltype(a)(s), a); }, x);
+  return map_block(
+      y, [=](auto a) { return max_propagating(a, decltype(a)(s)); }, x);
 }
-float *mvk_BLmaxBLL_inplace_flex(float *y, float s) { return max_block(y, y, s, skipping{}); }
-float *MVK_BLmaxBLL_inplace_strict(float *y, float s) { return max_block(y, y, s, propagating{}); }
+float *mvk_BLmaxBLL_inplace_flex(float *y, float s) { return mvk_BLmaxBLL_flex(y, y, s); }
+float *MVK_BLmaxBLL_inplace_strict(float *y, float s) { return MVK_BLmaxBLL_strict(y, y, s); }
 
 MVK_KERNEL(float *, BLmpyBLS_inplace, (float *y, float s)) {
   return map_block(

@@ -1,26 +1,22 @@
 // Complex vectors: pairs of samples, real part first.
 #include <cstring>
 
+#include "core/complex.h"
 #include "kernels/kernel.h"
 
 using namespace mvk;
 
 namespace {
 
-// As many complex samples as V has lanes, in an order of lanes of its own.
+// As many complex samples as V has lanes, in split order.
 template <class V>
-struct pairs {
-  V re, im;
-};
-
-template <class V>
-pairs<V> load_pairs(const float *p) {
+cpx<V> load_pairs(const float *p) {
   const auto [re, im] = split_pairs(load<V>(p), load<V>(p + lanes<V>));
   return {re, im};
 }
 
 template <class V>
-void store_pairs(float *p, pairs<V> a) {
+void store_pairs(float *p, cpx<V> a) {
   const auto [first, second] = join_pairs(a.re, a.im);
   store(p, first);
   store(p + lanes<V>, second);
@@ -46,7 +42,7 @@ template <class Real>
 float *multiply(float *y, const float *a, const float *b, uint32_t n, Real real) {
   return map_pairs(
       y, n,
-      [=]<class V>(pairs<V> p, pairs<V> q) -> pairs<V> {
+      [=]<class V>(cpx<V> p, cpx<V> q) -> cpx<V> {
         return {real(p, q), fma(p.re, q.im, p.im * q.re)};
       },
       a, b);
@@ -54,7 +50,7 @@ float *multiply(float *y, const float *a, const float *b, uint32_t n, Real real)
 
 // p * (1 / |x|^2), the reciprocal and its products in binary64.
 template <class V>
-pairs<V> over_square(pairs<V> p, pairs<V> x) {
+cpx<V> over_square(cpx<V> p, cpx<V> x) {
   const auto inverse = wide<V>(1.0) / widen(fma(x.re, x.re, x.im * x.im));
   return {narrow(widen(p.re) * inverse), narrow(widen(p.im) * inverse)};
 }
@@ -63,7 +59,7 @@ pairs<V> over_square(pairs<V> p, pairs<V> x) {
 float *divide_scalar(float *y, const float *x, float f, uint32_t n) {
   return map_pairs(
       y, n,
-      [=]<class V>(pairs<V> a) {
+      [=]<class V>(cpx<V> a) {
         return over_square({f * a.re, -(a.im * f)}, a);
       },
       x);
@@ -109,7 +105,7 @@ float *MVK_CLmpyCLCSU_strict(float *y, const float *a, const float *b, uint32_t 
 MVK_KERNEL(float *, CLmacCLCLU, (float *y, const float *a, const float *b, uint32_t n)) {
   return map_pairs(
       y, n,
-      []<class V>(pairs<V> sum, pairs<V> p, pairs<V> q) -> pairs<V> {
+      []<class V>(cpx<V> sum, cpx<V> p, cpx<V> q) -> cpx<V> {
         return {fms(p.im, q.im, fma(p.re, q.re, sum.re)), fma(p.im, q.re, p.re * q.im) + sum.im};
       },
       y, a, b);
@@ -117,15 +113,15 @@ MVK_KERNEL(float *, CLmacCLCLU, (float *y, const float *a, const float *b, uint3
 
 MVK_KERNEL(float *, cvec_Lmpy_conjLLIU,
            (float *y, const float *a, const float *b, int32_t k, uint32_t n)) {
-  const auto product = []<class V>(pairs<V> p, pairs<V> q) -> pairs<V> {
+  const auto product = []<class V>(cpx<V> p, cpx<V> q) -> cpx<V> {
     return {fma(q.re, p.re, q.im * p.im), fnms(q.re, p.im, q.im * p.re)};
   };
   if (k == 0) return map_pairs(y, n, product, a, b);  // 2^0 changes nothing
   const float f = exp2_bits(static_cast<uint32_t>(k));
   return map_pairs(
       y, n,
-      [=]<class V>(pairs<V> p, pairs<V> q) {
-        return product(pairs<V>{f * p.re, f * p.im}, pairs<V>{f * q.re, f * q.im});
+      [=]<class V>(cpx<V> p, cpx<V> q) {
+        return product(cpx<V>{f * p.re, f * p.im}, cpx<V>{f * q.re, f * q.im});
       },
       a, b);
 }
@@ -174,7 +170,7 @@ MVK_KERNEL(float *, CLmixCLCLSSU,
 MVK_KERNEL(float *, CLdivCLCLU, (float *y, const float *a, const float *b, uint32_t n)) {
   return map_pairs(
       y, n,
-      []<class V>(pairs<V> p, pairs<V> q) {
+      []<class V>(cpx<V> p, cpx<V> q) {
         return over_square<V>({fma(p.re, q.re, p.im * q.im), fnms(p.im, q.re, p.re * q.im)}, q);
       },
       a, b);
@@ -189,7 +185,7 @@ MVK_KERNEL(float *, CLmpy_recipCLLIU, (float *y, const float *x, float s, int32_
 MVK_KERNEL(float *, VLsquaredmagCLIU, (float *y, const float *x, int32_t k, uint32_t n)) {
   const float f = exp2_bits(static_cast<uint32_t>(k));
   counted(n, [=]<class V>(std::size_t i) {
-    const pairs<V> a = load_pairs<V>(x + 2 * i);
+    const cpx<V> a = load_pairs<V>(x + 2 * i);
     const V u = f * a.re, v = f * a.im;
     store(y + i, natural_order(fma(u, u, v * v)));
   });

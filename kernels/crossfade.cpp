@@ -16,7 +16,7 @@ MVK_KERNEL(float *, blk_Lcrossfade_gainLS,
   const float *rising = table + state->position;
   const float *falling_end = table + state->length - state->position;
   counted(block_size, [=]<class V>(std::size_t i) {
-    const V falling = reverse(load<V>(falling_end - i - lanes<V>));
+    const V falling = load_descending<V>(falling_end - 1 - i);
     const V gain = fma(falling, V(s), t * load<V>(rising + i));
     store(y + i, gain * load<V>(x + i));
   });

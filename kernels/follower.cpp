@@ -46,13 +46,20 @@ MVK_KEEP_COEF(LintegrateL)
 
 MVK_KERNEL(float *, blk_LintegrateL, (float *y, const float *x, const float *limits, float *s)) {
   const float upper = limits[0], lower = limits[1];
-  float sum = *s;
-  for (std::size_t n = 0; n < block_size; ++n) {
-    sum = minnum(maxnum(sum + x[n], lower), upper);
-    y[n] = sum;
-  }
-  *s = sum;
-  return y;
+  const auto integrate = [=](auto at_least, auto at_most) {
+    float sum = *s;
+    for (std::size_t n = 0; n < block_size; ++n) {
+      sum = at_most(at_least(sum + x[n], lower), upper);
+      y[n] = sum;
+    }
+    *s = sum;
+    return y;
+  };
+  if (!has_maxnum && is_number_but(-0.0f, lower) && is_number_but(0.0f, upper))
+    return integrate([](float a, float b) { return greater_of(a, b); },
+                     [](float a, float b) { return lesser_of(a, b); });
+  return integrate([](float a, float b) { return maxnum(a, b); },
+                   [](float a, float b) { return minnum(a, b); });
 }
 
 void MVK_blk_LnrrecipLU_setup(float *r, uint32_t k) { *r = exp2_bits_right(k); }

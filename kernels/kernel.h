@@ -1,6 +1,7 @@
 // What the kernels share: twins, element-wise maps and the test of alignment.
 #pragma once
 
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 
@@ -43,6 +44,13 @@ template <class F, class... X>
 
 // 2^-k, unchecked.
 constexpr float exp2_bits_right(std::uint32_t k) { return exp2_bits(0u - k); }
+
+// Whether s is a number and not the given zero. With such an s, a comparison does for maxnum or
+// minnum: it goes wrong only where equal operands are zeros of which it takes the wrong one, and
+// where s is a NaN.
+inline bool is_number_but(float zero, float s) {
+  return s == s && std::bit_cast<std::uint32_t>(s) != std::bit_cast<std::uint32_t>(zero);
+}
 
 // What the strict forms ask for.
 inline bool is_aligned(const void *p) { return reinterpret_cast<std::uintptr_t>(p) % 32 == 0; }

@@ -63,7 +63,7 @@ MVK_KERNEL(float *, vec_LmaskLSU, (float *y, const float *x, const float *m, uin
 }
 MVK_KERNEL(float *, vec_Lmask_rev_coefLSU, (float *y, const float *x, const float *m, uint32_t n)) {
   return masked(y, x, m, n, [=]<class V>(std::size_t i) {
-    store(y + i, load<V>(x + i) * reverse(load<V>(m + n - i - lanes<V>)));
+    store(y + i, load<V>(x + i) * load_descending<V>(m + n - 1 - i));
   });
 }
 

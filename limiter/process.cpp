@@ -87,7 +87,7 @@ struct fade {
   // The faded samples d at i.
   f32x8 operator()(f32x8 d, std::size_t i) const {
     const f32x8 rising = load<f32x8>(window + i);
-    const f32x8 falling = reverse(load<f32x8>(window + n - lanes<f32x8> - i));
+    const f32x8 falling = load_descending<f32x8>(window + n - 1 - i);
     return fma(falling, f32x8(from) * d, (f32x8(to) * d) * rising) * boost_unit;
   }
 };

@@ -32,14 +32,6 @@ MVK_EXPORT_TABLE(orvane_ht_a_ztlim_win_256, 256, rising_window<256>());
 
 namespace {
 
-// 2^-x for x from 0 to 1, by the exponential series to within rounding.
-constexpr double exp2_negative(double x) {
-  constexpr double ln2 = 0.693147180559945309417;
-  double sum = 1;
-  for (int n = 20; n > 0; --n) sum = 1 - sum * (x * ln2 / n);
-  return sum;
-}
-
 // What is left of a decay after one update, of `rate` in a second.
 constexpr float decay(double half_life_ms, double rate) {
   return to_q15(exp2_negative(1000 / (half_life_ms * rate)));

@@ -11,17 +11,11 @@ int MVK_dsplib_init() { return 0; }
 
 namespace {
 
-// 2^-x, 0 <= x < 1, by the exponential series.
-constexpr float half_to(double x) {
-  const double t = -0.693147180559945309417 * x;
-  double sum = 1;
-  for (int n = 20; n > 0; --n) sum = 1 + sum * t / n;
-  return static_cast<float>(sum);
-}
-
+// 2^(-i / steps)
 template <int N>
 consteval table<N> powers(int steps) {
-  return make_table<N>([=](int i) { return half_to(static_cast<double>(i) / steps); });
+  return make_table<N>(
+      [=](int i) { return static_cast<float>(exp2_negative(static_cast<double>(i) / steps)); });
 }
 
 constinit const table<8> fine = powers<8>(32768);

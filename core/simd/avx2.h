@@ -22,7 +22,7 @@ struct f32x8 {
 };
 
 using native = f32x8;
-inline constexpr bool fma_overwrites_addend = false, pointers_move_on = false;
+inline constexpr bool fma_overwrites_addend = false, pointers_move_on = false, has_maxnum = false;
 
 template <>
 inline f32x4 load<f32x4>(const float *p) {
@@ -91,10 +91,6 @@ inline __m128 ordered_min(__m128 a, __m128 b) {
 inline __m256 ordered_min(__m256 a, __m256 b) {
   return _mm256_or_ps(_mm256_min_ps(a, b), _mm256_min_ps(b, a));
 }
-
-}  // namespace detail
-
-namespace detail {
 
 template <class R>
 inline R maxnum(R a, R b) {

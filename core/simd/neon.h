@@ -3,6 +3,8 @@
 
 #include <arm_neon.h>
 
+#include <cmath>
+
 namespace mvk {
 
 struct f32x4 {
@@ -15,7 +17,7 @@ struct f32x4 {
 };
 
 using native = f32x4;
-inline constexpr bool fma_overwrites_addend = true, pointers_move_on = true;
+inline constexpr bool fma_overwrites_addend = true, pointers_move_on = true, has_maxnum = true;
 
 template <>
 inline f32x4 load<f32x4>(const float *p) {
@@ -38,6 +40,11 @@ inline f32x4 fnms(f32x4 a, f32x4 b, f32x4 c) { return {vfmaq_f32(vnegq_f32(c.v),
 
 inline f32x4 maxnum(f32x4 a, f32x4 b) { return {vmaxnmq_f32(a.v, b.v)}; }
 inline f32x4 minnum(f32x4 a, f32x4 b) { return {vminnmq_f32(a.v, b.v)}; }
+// The C library's functions, which need not order zeros, are these operations here.
+inline float maxnum(float a, float b) { return std::fmax(a, b); }
+inline float minnum(float a, float b) { return std::fmin(a, b); }
+inline double maxnum(double a, double b) { return std::fmax(a, b); }
+inline double minnum(double a, double b) { return std::fmin(a, b); }
 inline f32x4 max_propagating(f32x4 a, f32x4 b) { return {vmaxq_f32(a.v, b.v)}; }
 inline f32x4 min_propagating(f32x4 a, f32x4 b) { return {vminq_f32(a.v, b.v)}; }
 

@@ -27,7 +27,7 @@ inline f32x4 each_lane(Op op, Vs... vs) {
 }  // namespace detail
 
 using native = f32x4;
-inline constexpr bool fma_overwrites_addend = false, pointers_move_on = false;
+inline constexpr bool fma_overwrites_addend = false, pointers_move_on = false, has_maxnum = false;
 
 template <>
 inline f32x4 load<f32x4>(const float *p) {

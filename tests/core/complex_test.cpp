@@ -3,17 +3,18 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "core/vector_samples.h"
 
 namespace {
 
 template <class V>
 class Complex : public testing::Test {};
-using vectors = testing::Types<float, mvk::f32x4, mvk::f32x8>;
 TYPED_TEST_SUITE(Complex, vectors);
 
-// Calls op for numbers in lanes whose parts are every four samples in a row, and compares with the
-// definition, of one.
+// Compares op with its definition, of one number, for lanes in which every pair of the sample
+// values is the first operand, and another pair the second.
 template <class V, class Op, class Definition>
 void expect_numbers(Op op, Definition definition) {
   const std::vector<float> values = sample_values();
@@ -77,6 +78,21 @@ TYPED_TEST(Complex, PairsOfMemoryAreNumbersInOrder) {
   }
   mvk::store_complex(back + 1, z);
   EXPECT_TRUE(std::equal(back + 1, back + 1 + 2 * n, memory + 1));
+}
+
+TYPED_TEST(Complex, DescendingPairsBeginAtTheLast) {
+  using V = TypeParam;
+  constexpr int n = mvk::lanes<V>;
+  float memory[2 * n], back[2 * n];
+  for (int i = 0; i < 2 * n; ++i) memory[i] = static_cast<float>(i);
+  const mvk::cpx<V> z = mvk::load_complex_descending<V>(memory + 2 * (n - 1));
+  const array_of<V> re = to_array(z.re), im = to_array(z.im);
+  for (int l = 0; l < n; ++l) {
+    EXPECT_EQ(re[l], memory[2 * (n - 1 - l)]) << "lane " << l;
+    EXPECT_EQ(im[l], memory[2 * (n - 1 - l) + 1]) << "lane " << l;
+  }
+  mvk::store_complex_descending(back + 2 * (n - 1), z);
+  EXPECT_TRUE(std::equal(back, back + 2 * n, memory));
 }
 
 }  // namespace

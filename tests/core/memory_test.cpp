@@ -53,6 +53,19 @@ TEST(AlignUp, KeepsWhatIsAligned) {
   EXPECT_EQ(mvk::align_up(33, 8), 40u);
 }
 
+TEST(Strided, AreAnArrayWhereTheyTouchAndAreAligned) {
+  alignas(8) std::array<char, 64> memory;
+  char *const start = memory.data();
+  EXPECT_TRUE(mvk::is_array_of<float>({start, 4}));
+  EXPECT_TRUE(mvk::is_array_of<float>({start + 4, 4}));
+  EXPECT_FALSE(mvk::is_array_of<float>({start, 8}));
+  EXPECT_FALSE(mvk::is_array_of<float>({start, 0}));
+  EXPECT_FALSE(mvk::is_array_of<float>({start + 2, 4}));
+  EXPECT_TRUE(mvk::is_array_of<double>({start, 8}));
+  EXPECT_FALSE(mvk::is_array_of<double>({start + 4, 8}));
+  EXPECT_EQ(static_cast<void *>(mvk::as_array_of<float>({start + 4, 4})), start + 4);
+}
+
 TEST(Strided, GatherAndScatterAtAnyStepAndAddress) {
   for (const std::size_t step : {4u, 5u, 8u, 12u})
     for (std::size_t offset = 0; offset < 4; ++offset) {

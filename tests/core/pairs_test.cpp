@@ -29,18 +29,10 @@ class Pairs : public testing::Test {
 
   float memory[40], result[40];
 };
-using vectors = testing::Types<float, mvk::f32x4, mvk::f32x8>;
 TYPED_TEST_SUITE(Pairs, vectors);
 
-// first, first + step, ...
-template <class V>
-array_of<V> counting(int first, int step = 1) {
-  array_of<V> a;
-  for (std::size_t l = 0; l < a.size(); ++l)
-    a[l] = static_cast<float>(first + step * static_cast<int>(l));
-  return a;
-}
-std::vector<float> counting_on(int first, int count) {
+// first, first + 1, ...
+std::vector<float> consecutive(int first, int count) {
   std::vector<float> values(static_cast<std::size_t>(count));
   std::iota(values.begin(), values.end(), static_cast<float>(first));
   return values;
@@ -49,8 +41,8 @@ std::vector<float> counting_on(int first, int count) {
 TYPED_TEST(Pairs, AreSplitAsTheyAreLoaded) {
   using V = TypeParam;
   const mvk::halves<V> z = mvk::load_split_pairs<V>(this->memory + 3);
-  EXPECT_EQ(to_array(mvk::natural_order(z.lo)), counting<V>(3, 2));
-  EXPECT_EQ(to_array(mvk::natural_order(z.hi)), counting<V>(4, 2));
+  EXPECT_EQ(to_array(mvk::natural_order(z.lo)), ramp<V>(3, 2));
+  EXPECT_EQ(to_array(mvk::natural_order(z.hi)), ramp<V>(4, 2));
 }
 
 TYPED_TEST(Pairs, SplitLaneTellsWhereALaneComesFrom) {
@@ -61,9 +53,9 @@ TYPED_TEST(Pairs, SplitLaneTellsWhereALaneComesFrom) {
 
 TYPED_TEST(Pairs, AreInterleavedAsTheyAreStored) {
   using V = TypeParam;
-  mvk::store_interleaved(this->result + 3, from_array<V>(counting<V>(0, 2)),
-                         from_array<V>(counting<V>(1, 2)));
-  EXPECT_EQ(this->stored(3, 2 * this->n), counting_on(0, 2 * this->n));
+  mvk::store_interleaved(this->result + 3, from_array<V>(ramp<V>(0, 2)),
+                         from_array<V>(ramp<V>(1, 2)));
+  EXPECT_EQ(this->stored(3, 2 * this->n), consecutive(0, 2 * this->n));
 }
 
 TYPED_TEST(Pairs, PointersMoveOnBehindWhatIsLoaded) {
@@ -71,35 +63,35 @@ TYPED_TEST(Pairs, PointersMoveOnBehindWhatIsLoaded) {
   const float *p = this->memory + 1;
   const mvk::halves<V> whole = mvk::load_next<V>(p);
   EXPECT_EQ(p, this->memory + 1 + 2 * this->n);
-  EXPECT_EQ(to_array(whole.lo), counting<V>(1));
-  EXPECT_EQ(to_array(whole.hi), counting<V>(1 + this->n));
+  EXPECT_EQ(to_array(whole.lo), ramp<V>(1));
+  EXPECT_EQ(to_array(whole.hi), ramp<V>(1 + this->n));
   const mvk::halves<V> split = mvk::load_split_next<V>(p);
   EXPECT_EQ(p, this->memory + 1 + 4 * this->n);
-  EXPECT_EQ(to_array(mvk::natural_order(split.lo)), counting<V>(1 + 2 * this->n, 2));
-  EXPECT_EQ(to_array(mvk::natural_order(split.hi)), counting<V>(2 + 2 * this->n, 2));
+  EXPECT_EQ(to_array(mvk::natural_order(split.lo)), ramp<V>(1 + 2 * this->n, 2));
+  EXPECT_EQ(to_array(mvk::natural_order(split.hi)), ramp<V>(2 + 2 * this->n, 2));
 }
 
 TYPED_TEST(Pairs, PointersMoveOnBehindWhatIsStored) {
   using V = TypeParam;
   float *p = this->result + 1;
-  mvk::store_next(p, from_array<V>(counting<V>(0)), from_array<V>(counting<V>(this->n)));
+  mvk::store_next(p, from_array<V>(ramp<V>(0)), from_array<V>(ramp<V>(this->n)));
   EXPECT_EQ(p, this->result + 1 + 2 * this->n);
-  mvk::store_interleaved_next(p, from_array<V>(counting<V>(2 * this->n, 2)),
-                              from_array<V>(counting<V>(2 * this->n + 1, 2)));
+  mvk::store_interleaved_next(p, from_array<V>(ramp<V>(2 * this->n, 2)),
+                              from_array<V>(ramp<V>(2 * this->n + 1, 2)));
   EXPECT_EQ(p, this->result + 1 + 4 * this->n);
-  EXPECT_EQ(this->stored(1, 4 * this->n), counting_on(0, 4 * this->n));
+  EXPECT_EQ(this->stored(1, 4 * this->n), consecutive(0, 4 * this->n));
 }
 
 TYPED_TEST(Pairs, HeldInARegisterAVectorIsTheSame) {
   using V = TypeParam;
-  EXPECT_EQ(to_array(mvk::load_once<V>(this->memory + 5)), counting<V>(5));
+  EXPECT_EQ(to_array(mvk::load_once<V>(this->memory + 5)), ramp<V>(5));
 }
 
 TYPED_TEST(Pairs, OneLaneCanBeAnothers) {
   using V = TypeParam;
-  array_of<V> want = counting<V>(0);
+  array_of<V> want = ramp<V>(0);
   want[0] = 100;
-  EXPECT_EQ(to_array(mvk::with_lane0(from_array<V>(counting<V>(100)), mvk::load<V>(this->memory))),
+  EXPECT_EQ(to_array(mvk::with_lane0(from_array<V>(ramp<V>(100)), mvk::load<V>(this->memory))),
             want);
 }
 
@@ -115,20 +107,19 @@ TEST(TwoLanes, AreLoadedAndStoredAlone) {
 
 TEST(EightLanes, TakeTwoOfAnotherOrExchangeTheirHalves) {
   using V = mvk::f32x8;
-  const V a = from_array<V>(counting<V>(100)), b = from_array<V>(counting<V>(0));
+  const V a = from_array<V>(ramp<V>(100)), b = from_array<V>(ramp<V>(0));
   EXPECT_EQ(to_array(mvk::with_lanes04(a, b)), (array_of<V>{100, 1, 2, 3, 104, 5, 6, 7}));
   EXPECT_EQ(to_array(mvk::swap_halves(b)), (array_of<V>{4, 5, 6, 7, 0, 1, 2, 3}));
 }
 
 template <class V>
 class Fours : public testing::Test {};
-using wide_vectors = testing::Types<mvk::f32x4, mvk::f32x8>;
 TYPED_TEST_SUITE(Fours, wide_vectors);
 
 TYPED_TEST(Fours, AreTransposedInEachHalf) {
   using V = TypeParam;
   V rows[4];
-  for (int r = 0; r < 4; ++r) rows[r] = from_array<V>(counting<V>(10 * r));
+  for (int r = 0; r < 4; ++r) rows[r] = from_array<V>(ramp<V>(10 * r));
   mvk::transpose_fours(rows);
   for (int r = 0; r < 4; ++r) {
     const array_of<V> got = to_array(rows[r]);

@@ -12,11 +12,10 @@ namespace {
 
 template <class V>
 class Vector : public testing::Test {};
-using vectors = testing::Types<float, mvk::f32x4, mvk::f32x8>;
 TYPED_TEST_SUITE(Vector, vectors);
 
-// Calls check(a, b, c, lane 0 of them as floats...) for vectors whose lanes hold
-// every combination of the sample values.
+// Compares op with its definition, of one lane, for vectors whose lanes hold every
+// combination of the sample values.
 template <class V, class Op, class Definition>
 void expect_lanes(Op op, Definition definition) {
   const std::vector<float> values = sample_values();
@@ -191,16 +190,15 @@ TYPED_TEST(Vector, SplatFillsEveryLane) {
 
 template <class V>
 class Arranged : public testing::Test {};
-using wide_vectors = testing::Types<mvk::f32x4, mvk::f32x8>;
 TYPED_TEST_SUITE(Arranged, wide_vectors);
 
-// Lanes first, first + step, ...
-template <class V>
-array_of<V> ramp(int first, int step = 1) {
-  array_of<V> a;
-  for (std::size_t l = 0; l < a.size(); ++l)
-    a[l] = static_cast<float>(first + step * static_cast<int>(l));
-  return a;
+TYPED_TEST(Arranged, DescendingSamplesBeginAtTheLast) {
+  using V = TypeParam;
+  array_of<V> memory = ramp<V>(0), back{};
+  const array_of<V> descending = to_array(mvk::load_descending<V>(&memory.back()));
+  EXPECT_TRUE(std::equal(descending.begin(), descending.end(), memory.rbegin()));
+  mvk::store_descending(&back.back(), from_array<V>(descending));
+  EXPECT_EQ(back, memory);
 }
 
 TYPED_TEST(Arranged, ReverseTurnsTheLanesRound) {

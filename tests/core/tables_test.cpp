@@ -7,7 +7,7 @@
 
 namespace {
 
-// sin(pi p / q) for 0 <= p <= 2 q, reduced to an eighth of a turn so that the
+// sin(pi p / q) for 0 <= p <= 2 q, reduced to an eighth of a turn so that the C
 // library sees small angles only.
 long double reference_sin(long p, long q) {
   constexpr long double pi = 3.14159265358979323846264338327950288L;
@@ -71,6 +71,14 @@ TEST(SinPi, IsOddAndPeriodic) {
     EXPECT_EQ(mvk::sin_pi(p + 74, 37), mvk::sin_pi(p, 37));
     EXPECT_EQ(mvk::cos_pi(-p, 37), mvk::cos_pi(p, 37));
     EXPECT_EQ(mvk::cos_pi(p - 74, 37), mvk::cos_pi(p, 37));
+  }
+}
+
+TEST(Exp2Negative, IsWithinTwoUnitsOfADouble) {
+  for (int i = 0; i <= 1000; ++i) {
+    const double x = i / 1000.0;
+    const long double exact = exp2l(-static_cast<long double>(x));
+    ASSERT_LE(std::fabs(static_cast<double>(mvk::exp2_negative(x) - exact)), exact * 0x1p-51L) << x;
   }
 }
 

@@ -1,6 +1,8 @@
 // Vectors as arrays, and the samples that the tests of the vector types run over.
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <array>
 #include <bit>
 #include <cmath>
@@ -10,6 +12,9 @@
 #include <vector>
 
 #include "core/simd.h"
+
+using vectors = testing::Types<float, mvk::f32x4, mvk::f32x8>;
+using wide_vectors = testing::Types<mvk::f32x4, mvk::f32x8>;
 
 template <class V>
 using array_of = std::array<float, mvk::lanes<V>>;
@@ -24,6 +29,15 @@ array_of<V> to_array(V v) {
 template <class V>
 V from_array(const array_of<V> &a) {
   return mvk::load<V>(a.data());
+}
+
+// Lanes first, first + step, ...
+template <class V>
+array_of<V> ramp(int first, int step = 1) {
+  array_of<V> a;
+  for (std::size_t l = 0; l < a.size(); ++l)
+    a[l] = static_cast<float>(first + step * static_cast<int>(l));
+  return a;
 }
 
 // Bits, with every NaN as one pattern.

@@ -271,8 +271,10 @@ def both_ways(*pairs):
 EXTREMES = both_ways(("max", "min"), ("maxnum", "minnum"), ("greater_of", "lesser_of"),
                      ("max_propagating", "min_propagating"))
 CALLS = EXTREMES | both_ways(
-    ("lower", "upper"), ("interleave", "deinterleave"), ("ascending", "descending"),
-    ("split_pairs", "join_pairs"), ("sin_pi", "cos_pi"), ("sines", "cosines"))
+    ("lower", "upper"), ("interleave", "deinterleave"), ("split_pairs", "join_pairs"),
+    ("sin_pi", "cos_pi"), ("sines", "cosines")) | {
+        f"{access}_descending": access
+        for access in ("load", "store", "load_complex", "store_complex")}
 DROPPED = {"reverse", "reversed", "natural_order"}
 MEMBERS = both_ways(("re", "im"), ("lo", "hi"), ("even", "odd"), ("s", "c"), ("s0", "s1"))
 CHOICES = both_ways(("true", "false"))
