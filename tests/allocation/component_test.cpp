@@ -36,12 +36,7 @@ TEST(ComponentAllocation, ComesWithAnInstanceAndWithEachOfItsEngines) {
 
 TEST(ComponentAllocation, GoesBackWithTheInstance) {
   for (bool with_engine : {false, true}) {
-    acli_instance *handle = nullptr;
-    ASSERT_EQ(ACLI.create(nullptr, nullptr, &handle), ACLI_OK);
-    HostBlock block(kFloat, ACLI_DIR_UP, 2, 1);
-    if (with_engine) {
-      EXPECT_EQ(ACLI.process(handle, &block.in_record, &block.out_record), ACLI_OK);
-    }
+    acli_instance *handle = NewInstance(with_engine);
     EXPECT_EQ(HeapUseOf([&] { ACLI.destroy(handle); }), (HeapUse{0, with_engine ? 2 : 1}));
   }
 }

@@ -193,7 +193,7 @@ TEST(ConvertStreams, TheModeHasNoEffect) {
 
 // ---- Streams that share memory ----
 
-// The destination lies in the source's own memory, `frames_back` source frames before it.
+// The destination is the source's own memory, each stream by its own frame offset.
 testing::AssertionResult ConvertsInPlace(const Pair &pair, Layout layout, uint32_t channels,
                                          unsigned from_frame, unsigned to_frame, uint64_t seed) {
   constexpr unsigned kFrames = 67;
@@ -203,18 +203,15 @@ testing::AssertionResult ConvertsInPlace(const Pair &pair, Layout layout, uint32
   FillStream(shared, kFrames + 40, random, [&] { return random.Finite(); });
   StreamMemory wanted = shared;
 
-  const auto view = [&](StreamMemory &memory) {
-    orvane_stream_desc destination = memory.Describe();
-    destination.datatype = pair.second;
-    return destination;
+  const auto converted = [&](orvane_stream_desc stream) {
+    stream.datatype = pair.second;
+    return stream;
   };
   const auto source = shared.Describe();
-  const auto destination = view(shared);
+  const auto destination = converted(source);
   orvane_stream_convert(&source, &destination, from_frame, to_frame, kFrames, 0);
-  const auto wanted_view = view(wanted);
-  orvane_stream_desc wanted_source = wanted_view;
-  wanted_source.datatype = pair.first;
-  reference::Convert(wanted_source, wanted_view, from_frame, to_frame, kFrames);
+  const auto wanted_source = wanted.Describe();
+  reference::Convert(wanted_source, converted(wanted_source), from_frame, to_frame, kFrames);
   return SameBytes(shared, wanted);
 }
 

@@ -75,17 +75,24 @@ struct EnginePair {
   reference::Engine expected;
 };
 
-// Runs a whole stream of one contiguous channel through an engine of the library.
-inline std::vector<float> RunStream(unsigned factor, bool up, std::vector<float> x) {
-  LibraryEngine engine(factor, 1, up);
-  const reference::Engine shape(factor, 1, up);
-  std::vector<float> y(x.size() / shape.InFrames() * shape.OutFrames());
-  for (size_t block = 0; block < x.size() / shape.InFrames(); ++block) {
+// A whole stream of one contiguous channel through `run`, block by block; `shape` has its frames.
+template <typename RunBlock>
+std::vector<float> RunBlocks(const reference::Engine &shape, std::vector<float> x, RunBlock run) {
+  const size_t blocks = x.size() / shape.InFrames();
+  std::vector<float> y(blocks * shape.OutFrames());
+  for (size_t block = 0; block < blocks; ++block) {
     void *from = x.data() + block * shape.InFrames();
     void *to = y.data() + block * shape.OutFrames();
-    engine.Run({1, 1, DT_LONG, &to}, {1, 1, DT_LONG, &from});
+    run(orvane_stream_desc{1, 1, DT_LONG, &to}, orvane_stream_desc{1, 1, DT_LONG, &from});
   }
   return y;
+}
+
+// The same through an engine of the library.
+inline std::vector<float> RunStream(unsigned factor, bool up, const std::vector<float> &x) {
+  LibraryEngine engine(factor, 1, up);
+  return RunBlocks(reference::Engine(factor, 1, up), x,
+                   [&](auto out, auto in) { engine.Run(out, in); });
 }
 
 }  // namespace testing_support

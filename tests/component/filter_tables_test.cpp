@@ -2,7 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
-#include <string>
+#include <iterator>
 
 #include "component/stream_memory.h"
 #include "orvane_resampler.h"

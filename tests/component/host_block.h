@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "acli.h"
-#include "component/engine_pair.h"
+#include "component/random_samples.h"
 #include "component/stream_memory.h"
 #include "reference/resampler_reference.h"
 
@@ -91,18 +91,13 @@ struct HostBlock {
     in_record.channels = channels;
     in_record.bits_per_sample = format.bits;
     out_record.size = 256 * channels * 4;
-    Link();
-  }
-
-  HostBlock(const HostBlock &) = delete;
-  HostBlock &operator=(const HostBlock &) = delete;
-
-  // Points the records at this block's memory.
-  void Link() {
     in_record.params = &factor;
     in_record.data = in.At(0, 0);
     out_record.data = out.At(0, 0);
   }
+
+  HostBlock(const HostBlock &) = delete;
+  HostBlock &operator=(const HostBlock &) = delete;
 
   void Fill(Random &random) {
     FillStream(in, 256, random, [&] { return random.Unit(); });
@@ -123,6 +118,17 @@ inline std::vector<uint8_t> BytesOf(const acli_buffer &record) {
   std::vector<uint8_t> bytes(sizeof record);
   std::memcpy(bytes.data(), &record, sizeof record);
   return bytes;
+}
+
+// A new instance that goes up, which has made an engine for a block or hasn't.
+inline acli_instance *NewInstance(bool with_engine) {
+  acli_instance *handle = nullptr;
+  EXPECT_EQ(ACLI.create(nullptr, nullptr, &handle), ACLI_OK);
+  if (with_engine) {
+    HostBlock block(kFloat, ACLI_DIR_UP, 2, 1);
+    EXPECT_EQ(ACLI.process(handle, &block.in_record, &block.out_record), ACLI_OK);
+  }
+  return handle;
 }
 
 // Processes the block, expecting success and what the reference makes of it.

@@ -1,9 +1,11 @@
 // When `process` refuses a block, in which order it looks, and what it leaves behind.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <functional>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "acli.h"

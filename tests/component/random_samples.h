@@ -77,13 +77,16 @@ class Random {
   // Uniform in [-1, 1).
   float Unit() { return std::ldexp(static_cast<float>(static_cast<int32_t>(Bits32()) >> 8), -23); }
 
-  // A magnitude from the denormals up to 2^40, each binade alike.
-  float Wide() { return std::ldexp(Unit(), static_cast<int>(Below(190)) - 149); }
+  // From the denormals up to a magnitude of 2^40, each binade alike.
+  float Wide() {
+    const int exponent = static_cast<int>(Below(190)) - 149;
+    return std::ldexp(Unit(), exponent);
+  }
 
   // Any of kSpecials.
   float Special() { return kSpecials[Below(std::size(kSpecials))]; }
 
-  // All of these.
+  // Any of these.
   float Mixed() {
     switch (Below(4)) {
       case 0:

@@ -15,15 +15,9 @@
 namespace testing_support {
 namespace {
 
-std::vector<float> RunReference(const EngineShape &shape, std::vector<float> x) {
+std::vector<float> RunReference(const EngineShape &shape, const std::vector<float> &x) {
   reference::Engine engine(shape.factor, 1, shape.up);
-  std::vector<float> y(x.size() / engine.InFrames() * engine.OutFrames());
-  for (size_t block = 0; block < x.size() / engine.InFrames(); ++block) {
-    void *from = x.data() + block * engine.InFrames();
-    void *to = y.data() + block * engine.OutFrames();
-    reference::Run(engine, {1, 1, DT_LONG, &to}, {1, 1, DT_LONG, &from});
-  }
-  return y;
+  return RunBlocks(engine, x, [&](auto out, auto in) { reference::Run(engine, out, in); });
 }
 
 class Reference : public testing::TestWithParam<EngineShape> {};

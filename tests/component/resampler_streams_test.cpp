@@ -158,8 +158,10 @@ TEST_P(ResamplerStreams, ChannelsThatLieApartMayBeResampledInPlace) {
       StreamMemory shared(datatype, 5, Layout::kPlanar, 256 * 5 * 4);
       FillStream(shared, 256, random, [&] { return random.Unit(); });
       StreamMemory wanted = shared;
-      pair.library.Run(shared.Describe(), shared.Describe());
-      reference::Run(pair.expected, wanted.Describe(), wanted.Describe());
+      const auto stream = shared.Describe();
+      pair.library.Run(stream, stream);
+      const auto wanted_stream = wanted.Describe();
+      reference::Run(pair.expected, wanted_stream, wanted_stream);
       EXPECT_TRUE(SameBytes(shared, wanted)) << "datatype " << datatype << ", block " << block;
     }
   }

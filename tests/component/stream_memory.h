@@ -9,6 +9,7 @@
 #include <cmath>
 #include <cstdint>
 #include <sstream>
+#include <string>
 #include <vector>
 
 #include "component/random_samples.h"
@@ -90,9 +91,11 @@ void FillSample(StreamMemory &stream, uint32_t c, uint64_t i, Random &random, Ne
     case DT_LONG:
     case DT_FLOAT32:
       return reference::Store(to, static_cast<float>(next()));
-    case DT_FLOAT64:
+    case DT_FLOAT64: {
       // With more bits than a float holds, so that narrowing has to round.
-      return reference::Store(to, next() * (1.0 + random.Unit() * 0x1p-24));
+      const double coarse = next();
+      return reference::Store(to, coarse * (1.0 + random.Unit() * 0x1p-24));
+    }
     case DT_INT16:
       return reference::Store(to, static_cast<uint16_t>(random.Bits32()));
     case DT_INT32:

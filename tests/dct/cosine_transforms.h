@@ -1,4 +1,4 @@
-// The cosine transforms as a table, and the Fourier transforms that they run on.
+// The cosine transforms as a table, with their lengths, twiddles and results.
 #ifndef MVK_TESTS_DCT_COSINE_TRANSFORMS_H_
 #define MVK_TESTS_DCT_COSINE_TRANSFORMS_H_
 
@@ -37,7 +37,7 @@ inline constexpr uint32_t kCosineLengths[] = {2,   4,   8,   12,  16,  24,  32, 
 // Lengths that run as well once the caller has a table.
 inline constexpr uint32_t kLengthsWithoutTable[] = {40, 80, 160, 640, 1280, 1440, 1920, 2048};
 
-// Lengths without a Fourier transform of half of them, if not without a table.
+// Lengths without a Fourier transform of half of them, some with a table.
 inline constexpr uint32_t kLengthsWithoutTransform[] = {20, 28, 36, 44, 52,  56,
                                                         68, 76, 84, 88, 100, 104};
 

@@ -21,6 +21,12 @@ struct PairKind {
 // decimals, and so has the one of 16 points.
 inline bool HasCoarseTwiddles(uint32_t n) { return !reference::IsPowerOfTwo(n) || n == 16; }
 
+// The forward pair of n points, of the faster family that has one; or null.
+inline const mvk_fft_pair *FastestPair(uint32_t n) {
+  const mvk_fft_pair *pair = MVK_r8_cplx_fwd_pair(n);
+  return pair != nullptr ? pair : MVK_r4_cplx_fwd_pair(n);
+}
+
 // The forward pairs of n points.
 inline std::vector<PairKind> PairKinds(uint32_t n) {
   std::vector<PairKind> kinds = {{"no pair", nullptr, HasCoarseTwiddles(n)}};

@@ -125,7 +125,8 @@ TEST(DctRotation, EightPairsAreAllTurned) {
     const float gain = static_cast<float>(1 << rotation.shift);
     const std::vector<float> out = Result(rotation, Impulse(16, 0), c, s);
     for (size_t i = 0; i < 16; ++i) {
-      EXPECT_EQ(out[i], i == 0 ? gain * s[0] : i == 15 ? gain * c[0] : 0) << rotation.name << i;
+      const float want = i == 0 ? gain * s[0] : i == 15 ? gain * c[0] : 0;
+      EXPECT_EQ(out[i], want) << rotation.name << " " << i;
     }
   }
 }

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <stdexcept>
 #include <vector>
 
 #include "fft/fft_kernels.h"
@@ -28,8 +29,8 @@ const CompositePlan &PlanOf(const Kernel &kernel) {
   throw std::out_of_range(kernel.name);
 }
 
-const Kernel &Named(uint32_t length, Direction direction = Direction::kForward,
-                    Scaling scaling = Scaling::kUnscaled) {
+const Kernel &KernelOf(uint32_t length, Direction direction = Direction::kForward,
+                       Scaling scaling = Scaling::kUnscaled) {
   return *Find(CompositeKernels(), length, direction, scaling);
 }
 
@@ -129,7 +130,7 @@ TEST(CompositeFft, InverseIsTheForwardOfExchangedPartsBehindAFirstPassOfFour) {
   for (const Kernel &kernel : CompositeKernels()) {
     if (kernel.direction != Direction::kInverse) continue;
     const ComplexArray x = ComplexSamples(kUniform, random, kernel.length);
-    const Kernel &forward = Named(kernel.length, Direction::kForward, kernel.scaling);
+    const Kernel &forward = KernelOf(kernel.length, Direction::kForward, kernel.scaling);
     const ComplexArray got = ResultOf(kernel, x);
     const ComplexArray want = reference::Exchanged(ResultOf(forward, reference::Exchanged(x)));
     EXPECT_LT(LargestError(Widened(got), Widened(want)), 6e-7) << kernel.name;
@@ -143,10 +144,10 @@ TEST(CompositeFft, MultipliesByTheTwiddlesOfBinNoughtToo) {
   // The second operand of a radix-3 butterfly: infinity times 0 spoils its other part.
   ComplexArray x(12);
   x[1].re = kInfinity;
-  EXPECT_TRUE(std::isnan(ResultOf(Named(12), x)[0].im));
+  EXPECT_TRUE(std::isnan(ResultOf(KernelOf(12), x)[0].im));
   // -0 less 1 times -0 is +0. Without the product, or with +0, it stays -0.
   x.assign(12, {-0.0f, 1.0f});
-  const ComplexArray y = ResultOf(Named(12), x);
+  const ComplexArray y = ResultOf(KernelOf(12), x);
   EXPECT_EQ(y[0].im, 12);
   EXPECT_EQ(BitsOf(y[0].re), BitsOf(0.0f));
 }
@@ -167,7 +168,7 @@ TEST(CompositeFft, TurnsAConstantIntoNearlyOneBin) {
 TEST(CompositeFft, TurnsImpulsesIntoRotations) {
   // Each pass behind the first may add the error of a twiddle, half a millionth in either part.
   ExpectImpulses(CompositeKernels(), [](uint32_t length) {
-    return 6e-7 + 0.71e-6 * static_cast<double>(PlanOf(Named(length)).radices.size() - 1);
+    return 6e-7 + 0.71e-6 * static_cast<double>(PlanOf(KernelOf(length)).radices.size() - 1);
   });
 }
 
@@ -182,7 +183,7 @@ TEST(CompositeFft, RunsInPlaceAtSixAlone) { ExpectInPlaceWhereAllowed(CompositeK
 TEST(CompositeFft, EntryPointsAreTheKernels) {
   Random random(46);
   for (const EntryPoint &entry : CompositeEntryPoints()) {
-    const Kernel &kernel = Named(entry.length, entry.direction, entry.scaling);
+    const Kernel &kernel = KernelOf(entry.length, entry.direction, entry.scaling);
     const ComplexArray x = ComplexSamples(kUniform, random, entry.length);
     const KernelCall call = CallOf(entry, kUniform.name);
     const std::vector<float> want = FloatsOf(ResultOf(kernel, x));

@@ -16,6 +16,11 @@ std::vector<float> Want(const EntryPoint &entry, const ComplexArray &x) {
   return FloatsOf(PowerOfTwoTransform(x, entry.direction, entry.scaling));
 }
 
+testing::AssertionResult AsInPasses(const EntryPoint &entry, const ComplexArray &x,
+                                    const char *material) {
+  return SameSamples(FloatsOf(ResultOf(entry, x)), Want(entry, x), CallOf(entry, material));
+}
+
 bool NeedsScratch(const EntryPoint &entry) { return entry.length >= 16; }
 
 TEST(FftEntryPoints, RoundAsTheirPassesDo) {
@@ -23,8 +28,7 @@ TEST(FftEntryPoints, RoundAsTheirPassesDo) {
   for (const EntryPoint &entry : PowerOfTwoEntryPoints()) {
     for (const Material &material : {kUniform, kClose, kSignedZeros}) {
       const ComplexArray x = ComplexSamples(material, random, entry.length);
-      EXPECT_TRUE(
-          SameSamples(FloatsOf(ResultOf(entry, x)), Want(entry, x), CallOf(entry, material.name)));
+      EXPECT_TRUE(AsInPasses(entry, x, material.name));
     }
   }
 }
@@ -35,8 +39,7 @@ TEST(FftEntryPoints, RoundAnyValuesAsTheirPassesDo) {
     if (entry.scaling == Scaling::kScaled) continue;
     for (const Material &material : {kWide, kFew, kMixed}) {
       const ComplexArray x = ComplexSamples(material, random, entry.length);
-      EXPECT_TRUE(
-          SameSamples(FloatsOf(ResultOf(entry, x)), Want(entry, x), CallOf(entry, material.name)));
+      EXPECT_TRUE(AsInPasses(entry, x, material.name));
     }
   }
 }
@@ -121,9 +124,7 @@ TEST(FftEntryPoints, KeepInfinitiesOutOfPartsThatTheyDontBelongTo) {
     for (const uint32_t place : {0u, n / 2, n / 4, n / 8, n / 16, n / 32, n - 1}) {
       ComplexArray x = ComplexSamples(kUniform, random, n);
       (place % 2 == 0 ? x[place].re : x[place].im) = kInfinity;
-      EXPECT_TRUE(
-          SameSamples(FloatsOf(ResultOf(entry, x)), Want(entry, x), CallOf(entry, "one infinity")))
-          << "at " << place;
+      EXPECT_TRUE(AsInPasses(entry, x, "one infinity")) << "at " << place;
     }
   }
 }

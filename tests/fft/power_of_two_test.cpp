@@ -29,8 +29,8 @@ testing::AssertionResult AsInPasses(const Kernel &kernel, const ComplexArray &x,
                      CallOf(kernel, material));
 }
 
-const Kernel &Named(uint32_t length, Direction direction = Direction::kForward,
-                    Scaling scaling = Scaling::kUnscaled) {
+const Kernel &KernelOf(uint32_t length, Direction direction = Direction::kForward,
+                       Scaling scaling = Scaling::kUnscaled) {
   return *Find(PowerOfTwoKernels(), length, direction, scaling);
 }
 
@@ -86,7 +86,7 @@ TEST(PowerOfTwoFft, LeavesBlockNoughtOfAMiddlePassUnmultiplied) {
   // other part.
   ComplexArray x(64);
   x[4].re = kInfinity;
-  const ComplexArray y = ResultOf(Named(64), x);
+  const ComplexArray y = ResultOf(KernelOf(64), x);
   EXPECT_EQ(y[0].re, kInfinity);
   EXPECT_EQ(y[0].im, 0);
   EXPECT_EQ(y[32].re, kInfinity);
@@ -97,7 +97,7 @@ TEST(PowerOfTwoFft, ScaledResultIsTheUnscaledOverTheLength) {
   for (const Kernel &kernel : PowerOfTwoKernels()) {
     if (kernel.scaling != Scaling::kScaled) continue;
     const ComplexArray x = ComplexSamples(kUniform, random, kernel.length);
-    std::vector<float> unscaled = FloatsOf(ResultOf(Named(kernel.length, kernel.direction), x));
+    std::vector<float> unscaled = FloatsOf(ResultOf(KernelOf(kernel.length, kernel.direction), x));
     for (float &value : unscaled) value /= static_cast<float>(kernel.length);
     EXPECT_TRUE(
         SameSamples(FloatsOf(ResultOf(kernel, x)), unscaled, CallOf(kernel, kUniform.name)));
@@ -110,7 +110,7 @@ TEST(PowerOfTwoFft, InverseIsTheForwardOfExchangedParts) {
   for (const Kernel &kernel : PowerOfTwoKernels()) {
     if (kernel.direction != Direction::kInverse) continue;
     const ComplexArray x = ComplexSamples(kUniform, random, kernel.length);
-    const Kernel &forward = Named(kernel.length, Direction::kForward, kernel.scaling);
+    const Kernel &forward = KernelOf(kernel.length, Direction::kForward, kernel.scaling);
     const ComplexArray got = ResultOf(kernel, x);
     const ComplexArray want = reference::Exchanged(ResultOf(forward, reference::Exchanged(x)));
     const testing::AssertionResult same =
@@ -165,7 +165,7 @@ TEST(PowerOfTwoFft, TurnsImpulsesIntoRotations) {
 TEST(PowerOfTwoFft, TurnsAnImpulseIntoRootsToTwoUnitsInTheLastPlace) {
   ComplexArray x(64);
   x[1].re = 1;
-  const ComplexArray y = ResultOf(Named(64), x);
+  const ComplexArray y = ResultOf(KernelOf(64), x);
   for (uint32_t k = 0; k < 64; ++k) {
     const auto root = reference::RootOfUnity<double>(64 - k, 64);
     EXPECT_NEAR(y[k].re, root.cosine, 2 * 0x1p-24) << k;
@@ -175,15 +175,15 @@ TEST(PowerOfTwoFft, TurnsAnImpulseIntoRootsToTwoUnitsInTheLastPlace) {
 
 TEST(PowerOfTwoFft, SumsTwoValues) {
   const ComplexArray x = {{3, 5}, {0.25f, -2}};
-  EXPECT_EQ(FloatsOf(ResultOf(Named(2), x)), (std::vector<float>{3.25f, 3, 2.75f, 7}));
-  EXPECT_EQ(FloatsOf(ResultOf(Named(2, Direction::kInverse, Scaling::kScaled), x)),
+  EXPECT_EQ(FloatsOf(ResultOf(KernelOf(2), x)), (std::vector<float>{3.25f, 3, 2.75f, 7}));
+  EXPECT_EQ(FloatsOf(ResultOf(KernelOf(2, Direction::kInverse, Scaling::kScaled), x)),
             (std::vector<float>{1.625f, 1.5f, 1.375f, 3.5f}));
 }
 
 // The product of the second input rounds, and that of the first goes in whole.
 TEST(PowerOfTwoFft, ScalesTwoValuesAsItReadsThem) {
   const float least = 0x1p-149f;
-  const Kernel &kernel = Named(2, Direction::kForward, Scaling::kScaled);
+  const Kernel &kernel = KernelOf(2, Direction::kForward, Scaling::kScaled);
   const ComplexArray x = {{3 * least, least}, {3 * least, 5 * least}};
   // 3/2 becomes 2 and 5/2 becomes 2, and so do the ties after them: 3/2 + 2, 1/2 + 2,
   // 3/2 - 2 and 1/2 - 2.

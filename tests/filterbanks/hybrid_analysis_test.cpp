@@ -4,16 +4,16 @@
 #include <complex>
 #include <vector>
 
+#include "filterbanks/by_name.h"
+#include "filterbanks/hybrid_banks.h"
 #include "mvk_hybrid.h"
-#include "reference/hybrid_banks.h"
 
 namespace testing_support {
 namespace {
 
 class HybridSubBands : public testing::TestWithParam<HybridMode> {};
 
-INSTANTIATE_TEST_SUITE_P(All, HybridSubBands, testing::ValuesIn(reference::HybridModes()),
-                         kHybridName);
+INSTANTIATE_TEST_SUITE_P(All, HybridSubBands, testing::ValuesIn(reference::HybridModes()), kByName);
 
 // Call for call, what is in the sub-bands of these samples of the bands.
 void ExpectSubBands(const HybridMode &mode, const std::vector<float> &in) {

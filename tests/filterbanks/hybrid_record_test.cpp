@@ -5,10 +5,10 @@
 #include <cstdint>
 #include <vector>
 
+#include "filterbanks/hybrid_banks.h"
 #include "mvk_fft.h"
 #include "mvk_hybrid.h"
 #include "mvk_kernels.h"
-#include "reference/hybrid_banks.h"
 #include "reference/reduction_reference.h"
 #include "reference/vector_reference.h"
 
@@ -155,7 +155,8 @@ TEST(HybridHistory, IsShifted) {
       if (shift != 0) {
         for (float &x : want) x *= reference::ClampedPowerOfTwo(shift);
       }
-      EXPECT_TRUE(SameSamples(bank.History(), want, {"shl", "", 78, {shift}, material.name}));
+      EXPECT_TRUE(
+          SameSamples(bank.History(), want, {"shl", "", kHybridHistory, {shift}, material.name}));
       EXPECT_TRUE(bank.state_memory().GuardsStand());
     }
   }

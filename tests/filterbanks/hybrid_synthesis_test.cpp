@@ -3,15 +3,16 @@
 
 #include <vector>
 
+#include "filterbanks/by_name.h"
+#include "filterbanks/hybrid_banks.h"
 #include "mvk_hybrid.h"
-#include "reference/hybrid_banks.h"
 
 namespace testing_support {
 namespace {
 
 class HybridSums : public testing::TestWithParam<HybridMode> {};
 
-INSTANTIATE_TEST_SUITE_P(All, HybridSums, testing::ValuesIn(reference::HybridModes()), kHybridName);
+INSTANTIATE_TEST_SUITE_P(All, HybridSums, testing::ValuesIn(reference::HybridModes()), kByName);
 
 TEST_P(HybridSums, AddTheSubBandsInTheirOrder) {
   const HybridMode &mode = GetParam();

@@ -5,7 +5,8 @@
 #include <utility>
 #include <vector>
 
-#include "reference/mfb_banks.h"
+#include "dct/pair_kinds.h"
+#include "filterbanks/mfb_banks.h"
 #include "reference/mfb_steps.h"
 
 namespace testing_support {
@@ -34,7 +35,7 @@ void ExpectSums(const MfbAnalysisForm &form, uint32_t m, const Material &materia
     const std::vector<float> got = bank.RunOne(form.process, table, twiddle, x);
     EXPECT_EQ(bank.record()->position, ++position);
     const auto sums = window.Slot(x.data());
-    const auto f = MfbTransformed(MfbPairOf(m)->scaled, MfbUnturned(sums, form.path));
+    const auto f = MfbTransformed(FastestPair(m)->scaled, MfbUnturned(sums, form.path));
     if (slot == 0) continue;
     ASSERT_TRUE(SameSamples(got, MfbUnpacked(f, form.path), {form.name, "", m, {}, material.name}))
         << "slot " << slot;

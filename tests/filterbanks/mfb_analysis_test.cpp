@@ -5,7 +5,8 @@
 #include <cstdint>
 #include <vector>
 
-#include "reference/mfb_banks.h"
+#include "filterbanks/by_name.h"
+#include "filterbanks/mfb_banks.h"
 #include "reference/mfb_exact.h"
 
 namespace testing_support {
@@ -17,8 +18,7 @@ using reference::WideComplex;
 
 class MfbAnalysis : public testing::TestWithParam<MfbTwiddles> {};
 
-INSTANTIATE_TEST_SUITE_P(All, MfbAnalysis, testing::ValuesIn(kMfbTwiddles),
-                         [](const auto &tested) { return std::string(tested.param.name); });
+INSTANTIATE_TEST_SUITE_P(All, MfbAnalysis, testing::ValuesIn(kMfbTwiddles), kByName);
 
 void ExpectSlot(const float *got, const QmfSlot &want) {
   for (size_t k = 0; k < want.bands.size(); ++k) {

@@ -7,7 +7,8 @@
 #include <string>
 #include <vector>
 
-#include "reference/mfb_banks.h"
+#include "filterbanks/by_name.h"
+#include "filterbanks/mfb_banks.h"
 
 namespace testing_support {
 namespace {
@@ -70,8 +71,7 @@ const Chain kChains[] = {
 
 class MfbChain : public testing::TestWithParam<Chain> {};
 
-INSTANTIATE_TEST_SUITE_P(All, MfbChain, testing::ValuesIn(kChains),
-                         [](const auto &tested) { return std::string(tested.param.name); });
+INSTANTIATE_TEST_SUITE_P(All, MfbChain, testing::ValuesIn(kChains), kByName);
 
 // White noise, compared once the banks are filled.
 TEST_P(MfbChain, GivesTheSignalBack) {

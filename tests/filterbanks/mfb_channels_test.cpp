@@ -6,7 +6,7 @@
 #include <iterator>
 #include <vector>
 
-#include "reference/mfb_banks.h"
+#include "filterbanks/mfb_banks.h"
 
 namespace testing_support {
 namespace {
@@ -17,7 +17,6 @@ const auto &kTwiddle = MVK_MFB_TWID64E;
 
 template <class Kind>
 class MfbCalls : public testing::Test {};
-using MfbKinds = testing::Types<MfbAnalysisKind, MfbSynthesisKind>;
 TYPED_TEST_SUITE(MfbCalls, MfbKinds);
 
 std::vector<MfbAnalyse> FunctionsOf(MfbAnalysisKind) {

@@ -4,7 +4,8 @@
 #include <cstdint>
 #include <vector>
 
-#include "reference/mfb_banks.h"
+#include "dct/pair_kinds.h"
+#include "filterbanks/mfb_banks.h"
 #include "reference/mfb_steps.h"
 
 namespace testing_support {
@@ -30,7 +31,7 @@ TEST_P(MfbLegacyTwiddle, TurnsTheBinsByFourEntriesAStep) {
     reference::MfbAnalysisWindow window(table, m, MfbPath::kLegacy);
     for (size_t s = 0; s < 20; ++s) {
       const auto u = MfbUnturned(window.Slot(&x[c][s * m]), MfbPath::kLegacy);
-      const auto f = MfbTransformed(MfbPairOf(m)->scaled, u);
+      const auto f = MfbTransformed(FastestPair(m)->scaled, u);
       const auto want = reference::MfbPostTwiddled(f, post);
       ASSERT_EQ(want.size(), 2 * m);
       for (size_t i = 0; i < want.size(); ++i) {

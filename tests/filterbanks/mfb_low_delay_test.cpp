@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "filterbanks/mfb_banks.h"
 #include "reference/fft_exact.h"
-#include "reference/mfb_banks.h"
 
 namespace testing_support {
 namespace {

@@ -5,14 +5,14 @@
 #include <cstdint>
 #include <vector>
 
-#include "reference/mfb_banks.h"
+#include "dct/pair_kinds.h"
+#include "filterbanks/mfb_banks.h"
 
 namespace testing_support {
 namespace {
 
 template <class Kind>
 class MfbMemory : public testing::Test {};
-using MfbKinds = testing::Types<MfbAnalysisKind, MfbSynthesisKind>;
 TYPED_TEST_SUITE(MfbMemory, MfbKinds);
 
 TYPED_TEST(MfbMemory, IsCountedByChannelsAndBands) {
@@ -77,7 +77,7 @@ TYPED_TEST(MfbMemory, HoldsTheTransformOfItsBands) {
   for (const uint32_t bands : kMoreMfbBands) {
     MfbBank<TypeParam> bank(1, bands);
     EXPECT_NE(bank.record()->pair, nullptr) << bands;
-    EXPECT_EQ(bank.record()->pair, MfbPairOf(bands)) << bands;
+    EXPECT_EQ(bank.record()->pair, FastestPair(bands)) << bands;
   }
   EXPECT_EQ(MfbBank<TypeParam>(1, 56).record()->pair, nullptr);
 }

@@ -6,7 +6,8 @@
 #include <utility>
 #include <vector>
 
-#include "reference/mfb_banks.h"
+#include "dct/pair_kinds.h"
+#include "filterbanks/mfb_banks.h"
 #include "reference/mfb_steps.h"
 
 namespace testing_support {
@@ -36,7 +37,7 @@ void ExpectDelayLine(const MfbSynthesisForm &form, uint32_t m, const Material &m
   const std::vector<float> table = Samples(material, random, kMfbTaps * m);
   MfbSynthesisBank bank(1, m);
   if (!has_pair) bank.record()->pair = nullptr;
-  mvk_fft_kernel *const kernel = has_pair ? MfbPairOf(m)->unscaled : MVK_r4_cplx_fwd_unscaled(m);
+  mvk_fft_kernel *const kernel = has_pair ? FastestPair(m)->unscaled : MVK_r4_cplx_fwd_unscaled(m);
   MfbSynthesisWindow window(form.rule, table, m);
   for (int slot = 0; slot < 14; ++slot) {
     const std::vector<float> y = Samples(material, random, 2 * m);
@@ -71,7 +72,8 @@ TEST_P(MfbSynthesisSteps, TurnTheBinsByOneRoundedProductAndOneFusedStep) {
   std::vector<float> slots = y;
   slots.resize(2 * y.size());
   for (const MfbSynthesisForm &form : kMfbSyntheses) {
-    const auto [a, b] = Parts(MfbTransformed(MfbPairOf(m)->unscaled, MfbPacked(y, form.rule.pack)));
+    const auto [a, b] =
+        Parts(MfbTransformed(FastestPair(m)->unscaled, MfbPacked(y, form.rule.pack)));
     MfbSynthesisBank bank(1, m);
     const std::vector<float> got = bank.RunOne(form.process, halves, twiddle, slots);
     for (size_t k = 0; k < m; ++k) {

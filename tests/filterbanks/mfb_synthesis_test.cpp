@@ -5,7 +5,8 @@
 #include <cstdint>
 #include <vector>
 
-#include "reference/mfb_banks.h"
+#include "filterbanks/by_name.h"
+#include "filterbanks/mfb_banks.h"
 #include "reference/mfb_exact.h"
 
 namespace testing_support {
@@ -16,8 +17,7 @@ using reference::WideComplex;
 
 class MfbSynthesis : public testing::TestWithParam<MfbTwiddles> {};
 
-INSTANTIATE_TEST_SUITE_P(All, MfbSynthesis, testing::ValuesIn(kMfbTwiddles),
-                         [](const auto &tested) { return std::string(tested.param.name); });
+INSTANTIATE_TEST_SUITE_P(All, MfbSynthesis, testing::ValuesIn(kMfbTwiddles), kByName);
 
 // All bands with the first table, and some with the others.
 TEST_P(MfbSynthesis, AnswersABandByThePrototypeOnItsCarrier) {

@@ -4,9 +4,9 @@
 #include <cstdint>
 
 #include "dct/table_checks.h"
+#include "filterbanks/mfb_banks.h"
+#include "filterbanks/qmf_banks.h"
 #include "reference/fft_roots.h"
-#include "reference/mfb_banks.h"
-#include "reference/qmf_banks.h"
 
 namespace testing_support {
 namespace {

@@ -6,8 +6,9 @@
 #include <cstdint>
 #include <string>
 
+#include "filterbanks/by_name.h"
+#include "filterbanks/qmf_banks.h"
 #include "reference/fft_exact.h"
-#include "reference/qmf_banks.h"
 
 namespace testing_support {
 namespace {

@@ -7,7 +7,8 @@
 #include <string>
 #include <vector>
 
-#include "reference/qmf_banks.h"
+#include "filterbanks/by_name.h"
+#include "filterbanks/qmf_banks.h"
 
 namespace testing_support {
 namespace {

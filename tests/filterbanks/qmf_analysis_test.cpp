@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "reference/qmf_banks.h"
+#include "filterbanks/qmf_banks.h"
 #include "reference/qmf_exact.h"
 
 namespace testing_support {

@@ -7,18 +7,13 @@
 #include <utility>
 #include <vector>
 
+#include "dct/pair_kinds.h"
+#include "filterbanks/qmf_banks.h"
 #include "mvk_dct.h"
-#include "mvk_fft.h"
 #include "mvk_qmf.h"
-#include "reference/qmf_banks.h"
 
 namespace testing_support {
 namespace {
-
-const mvk_fft_pair *PairOf(uint32_t n) {
-  const mvk_fft_pair *pair = MVK_r8_cplx_fwd_pair(n);
-  return pair != nullptr ? pair : MVK_r4_cplx_fwd_pair(n);
-}
 
 const float *SinesOf(uint32_t bands) {
   const std::pair<uint32_t, const float *> kTables[] = {
@@ -115,12 +110,12 @@ TYPED_TEST(QmfOpen, FindsTheTables) {
     QmfBank<TypeParam> bank({m, 5, table});
     const auto &record = *bank.record();
     EXPECT_EQ(record.cos_table, CosinesOf(m, TypeParam::kAnalyses));
-    EXPECT_EQ(record.pair_full, PairOf(m));
+    EXPECT_EQ(record.pair_full, FastestPair(m));
     if (m == 48) {
-      EXPECT_EQ(record.pair_half, PairOf(TypeParam::kShort ? 24 : 16));
+      EXPECT_EQ(record.pair_half, FastestPair(TypeParam::kShort ? 24 : 16));
       EXPECT_EQ(record.dct_twiddle, TypeParam::kShort ? nullptr : SinesOf(32));
     } else {
-      EXPECT_EQ(record.pair_half, PairOf(m / 2));
+      EXPECT_EQ(record.pair_half, FastestPair(m / 2));
       EXPECT_EQ(record.dct_twiddle, m == 4 && !TypeParam::kAnalyses ? nullptr : SinesOf(m));
     }
   }

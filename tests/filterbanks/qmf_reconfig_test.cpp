@@ -5,8 +5,8 @@
 #include <cstdint>
 #include <vector>
 
+#include "filterbanks/qmf_banks.h"
 #include "mvk_qmf.h"
-#include "reference/qmf_banks.h"
 
 namespace testing_support {
 namespace {

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "reference/qmf_banks.h"
+#include "filterbanks/qmf_banks.h"
 
 namespace testing_support {
 namespace {

@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <vector>
 
+#include "filterbanks/qmf_banks.h"
 #include "mvk_dct.h"
-#include "reference/qmf_banks.h"
 
 namespace testing_support {
 namespace {

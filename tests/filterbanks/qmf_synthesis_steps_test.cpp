@@ -5,9 +5,9 @@
 #include <span>
 #include <vector>
 
+#include "filterbanks/qmf_banks.h"
 #include "mvk_dct.h"
 #include "mvk_qmf.h"
-#include "reference/qmf_banks.h"
 #include "reference/qmf_steps.h"
 
 namespace testing_support {

@@ -6,8 +6,8 @@
 #include <cstdint>
 #include <vector>
 
+#include "filterbanks/qmf_banks.h"
 #include "mvk_dct.h"
-#include "reference/qmf_banks.h"
 #include "reference/qmf_exact.h"
 
 namespace testing_support {

@@ -1,6 +1,4 @@
 // The component's record with its operations, and what goes with it.
-#include <cstdlib>
-
 #include "acli.h"
 #include "fingerprints/corpus.h"
 #include "fingerprints/entries.h"

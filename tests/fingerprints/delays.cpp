@@ -11,7 +11,7 @@ constexpr uint32_t kRing = 5 * kBlockSize;
 // A ring that is full and in use; copies keep the bits of NaNs.
 struct Ring {
   explicit Ring(uint32_t position, bool aligned)
-      : samples(Corpus(kSpecial).Copy(kRing + kBlockSize), aligned ? 0 : 3),
+      : samples(Corpus(kMixed).Copy(kRing + kBlockSize), aligned ? 0 : 3),
         state{position, kRing, samples.data()} {}
 
   void AddTo(Digest &digest) const {
@@ -34,11 +34,11 @@ void AddSetup(Digest &digest, decltype(&mvk_blk_delay_setup_flex) setup) {
 }
 
 void AddWrites(Digest &digest, decltype(&mvk_blk_delayL_flex) write, bool aligned) {
-  Corpus corpus(kSpecial, 2);
+  Corpus corpus(kMixed, 2);
   Ring ring(kRing - 2 * kBlockSize, aligned);
   for (int block = 0; block < 9; ++block) {
-    const GuardedFloats x(corpus.Copy(kBlockSize), aligned ? 0 : block);
-    write(&ring.state, const_cast<GuardedFloats &>(x).data());
+    GuardedFloats x(corpus.Copy(kBlockSize), aligned ? 0 : block);
+    write(&ring.state, x.data());
     ring.AddTo(digest);
   }
 }

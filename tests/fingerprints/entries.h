@@ -29,7 +29,13 @@ struct Group {
 };
 std::span<const Group> Groups();
 
-// The entry of a function or table: ENTRY(name, [](Digest &digest) { ... })
+inline Entries EntriesOf(const Group &group) {
+  Entries entries;
+  group.list(entries);
+  return entries;
+}
+
+// The entry of a function or table: MVK_ENTRY(name, [](Digest &digest) { ... })
 #define MVK_ENTRY(name, ...) entries.push_back({#name, __VA_ARGS__})
 
 inline uint64_t FingerprintOf(const Entry &entry) {

@@ -12,12 +12,6 @@
 namespace testing_support {
 namespace {
 
-Entries EntriesOf(const Group &group) {
-  Entries entries;
-  group.list(entries);
-  return entries;
-}
-
 TEST(Fingerprints, AreThereForEveryExportedName) {
   std::set<std::string> names;
   for (const OpenCase &open : OpenCases()) names.insert(open.name);

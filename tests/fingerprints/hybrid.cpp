@@ -1,9 +1,7 @@
 // The hybrid bank.
-#include <algorithm>
-
+#include "filterbanks/hybrid_banks.h"
 #include "fingerprints/corpus.h"
 #include "fingerprints/entries.h"
-#include "reference/hybrid_banks.h"
 
 namespace testing_support {
 namespace {
@@ -38,7 +36,7 @@ void AddOpenAnalysis(Digest &digest) {
                                          bank.state_memory().data()));
   }
   for (uint32_t flags : {2u, 3u, 6u, 7u}) {
-    GuardedBytes state(343, 0), record(39, 0);
+    GuardedBytes state(kHybridState, 0), record(kHybridAnalysisRecord, 0);
     digest.Integer(MVK_hybrid_analysisCL_open(flags, state.data(), nullptr, record.data()) !=
                    nullptr);
   }
@@ -83,7 +81,7 @@ void ListHybridBank(Entries &entries) {
   MVK_ENTRY(MVK_hybrid_analysisCL_open, AddOpenAnalysis);
   MVK_ENTRY(MVK_hybrid_synthesisCL_open, [](Digest &digest) {
     AddSynthesisCall(digest, [](auto *) {});
-    GuardedBytes record(15, 0);
+    GuardedBytes record(kHybridSynthesisRecord, 0);
     for (uint32_t flags : {2u, 3u, 6u, 7u}) {
       digest.Integer(MVK_hybrid_synthesisCL_open(flags, nullptr, nullptr, record.data()) !=
                      nullptr);

@@ -8,6 +8,7 @@
 #include <fstream>
 #include <ostream>
 #include <sstream>
+#include <stdexcept>
 
 #include "fingerprints/entries.h"
 
@@ -38,6 +39,7 @@ using Results = std::map<std::string, std::vector<float>>;
 Results ReadResults(const char *path) {
   Results results;
   std::ifstream in(path);
+  if (!in) throw std::runtime_error(std::string("can't read ") + path);
   for (std::string line, name; std::getline(in, line);) {
     std::istringstream words(line);
     words >> name;
@@ -98,9 +100,7 @@ OpenLines ReadOpen() {
 void PrintExpected(std::ostream &out) {
   std::set<std::string> lines;
   for (const Group &group : Groups()) {
-    Entries entries;
-    group.list(entries);
-    for (const Entry &entry : entries) {
+    for (const Entry &entry : EntriesOf(group)) {
       lines.insert(entry.name + " " + Hexadecimal(FingerprintOf(entry)));
     }
   }

@@ -1,7 +1,7 @@
 // MFB banks.
+#include "filterbanks/mfb_banks.h"
 #include "fingerprints/corpus.h"
 #include "fingerprints/entries.h"
-#include "reference/mfb_banks.h"
 
 namespace testing_support {
 namespace {

@@ -1,6 +1,4 @@
 // The modulation stage of the filter banks.
-#include <algorithm>
-
 #include "fingerprints/corpus.h"
 #include "fingerprints/entries.h"
 #include "mvk_dct.h"

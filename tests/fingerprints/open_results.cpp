@@ -2,11 +2,11 @@
 
 #include <map>
 
+#include "filterbanks/mfb_banks.h"
+#include "filterbanks/qmf_banks.h"
 #include "fingerprints/corpus.h"
 #include "fingerprints/fft_rows.h"
 #include "reference/fft_exact.h"
-#include "reference/mfb_banks.h"
-#include "reference/qmf_banks.h"
 
 namespace testing_support {
 namespace {

@@ -2,9 +2,9 @@
 #include <algorithm>
 #include <bit>
 
+#include "filterbanks/qmf_banks.h"
 #include "fingerprints/corpus.h"
 #include "fingerprints/entries.h"
-#include "reference/qmf_banks.h"
 
 namespace testing_support {
 namespace {
@@ -201,7 +201,7 @@ void AddReconfigurations(Digest &digest) {
 void AddLoad(Digest &digest) {
   for (uint32_t order : kOrders) {
     QmfBank<LongAnalysis> bank = BankInUse<LongAnalysis>(order);
-    const std::vector<float> history = Corpus(kSpecial).Copy(9 * 16);
+    const std::vector<float> history = Corpus(kMixed).Copy(9 * 16);
     MVK_load_CLqmf_analysisL_filter_stateL(bank.record(), history.data());
     digest.Bytes(bank.record()->history, bank.History().size_bytes());
   }

@@ -16,7 +16,7 @@ constexpr int kChannelCounts[] = {-1, 0, 1, 2, 3, 35, 36};
 constexpr int32_t kDatatypes[] = {DT_LONG,        DT_INT16,   DT_INT32,
                                   DT_INT32_IN_64, DT_FLOAT32, DT_FLOAT64};
 
-// Ties, ends of integers and all else; drawn in an order that doesn't depend on the compiler.
+// Ties, ends of integers and all else.
 float AnySample(Random &random) {
   return random.Below(4) == 0 ? random.Special() : kFinite.next(random);
 }

@@ -24,8 +24,8 @@ struct Shifter {
     digest.Integer(static_cast<uint64_t>(state.frame_length));
     digest.Number(state.boundary);
     digest.Number(state.inv_length);
-    digest.Integer(state.work == const_cast<GuardedFloats &>(work).data());
-    digest.Integer(state.history == const_cast<GuardedFloats &>(history).data());
+    digest.Integer(state.work == work.values().data());
+    digest.Integer(state.history == history.values().data());
     digest.Numbers(history.values());
   }
 

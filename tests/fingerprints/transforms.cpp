@@ -10,7 +10,8 @@ constexpr uint32_t kMostPoints = 8200;
 
 // ---- Look-ups ----
 
-// A look-up gives the kernel that is exported, whose address a program may know by another value.
+// A look-up gives the kernel that is exported, whose address a program may know by another value;
+// for 8192 points it gives that of 4096.
 bool IsKernel(mvk_fft_kernel *found, std::span<const FftRow> rows, uint32_t n, size_t form) {
   const uint32_t points = n == 8192 ? 4096 : n;
   const std::vector<float> x = Corpus(kUniform).Copy(2 * size_t{points});

@@ -1,4 +1,6 @@
 // The Fourier transforms of a length each: kernels and sized entry points.
+#include <bit>
+
 #include "fingerprints/corpus.h"
 #include "fingerprints/entries.h"
 #include "fingerprints/fft_rows.h"
@@ -39,8 +41,6 @@ void AddKernel(Digest &digest, const FftRow &row) {
   }
 }
 
-bool IsPowerOfTwo(uint32_t n) { return (n & (n - 1)) == 0; }
-
 // Powers of two also in place, and with the work area where the source is.
 void AddEntryPoint(Digest &digest, const EntryPointRow &row) {
   for (const Material &material : kSignals) {
@@ -48,7 +48,7 @@ void AddEntryPoint(Digest &digest, const EntryPointRow &row) {
     GuardedFloats src(x, 0), dst(x.size(), 1), scratch(x.size(), 3);
     row.run(dst.data(), src.data(), scratch.data());
     digest.Numbers(dst.values());
-    if (!IsPowerOfTwo(row.points)) continue;
+    if (!std::has_single_bit(row.points)) continue;
     GuardedFloats both(x, 0);
     row.run(both.data(), nullptr, scratch.data());
     digest.Numbers(both.values());

@@ -1,5 +1,6 @@
 #include "host/audio.h"
 
+#include <algorithm>
 #include <cmath>
 #include <stdexcept>
 
@@ -44,7 +45,7 @@ void write_audio(const std::string &path, const Audio &audio) {
   } else {
     std::vector<short> integers;
     for (double x : audio.samples) {
-      integers.push_back(static_cast<short>(std::fmin(std::lrint(x * 32768.0), 32767.0)));
+      integers.push_back(static_cast<short>(std::clamp(std::lrint(x * 32768.0), -32768L, 32767L)));
     }
     written = sf_writef_short(file, integers.data(), frames);
   }

@@ -9,6 +9,9 @@
 
 namespace host {
 
+inline constexpr int kWav16 = SF_FORMAT_WAV | SF_FORMAT_PCM_16;
+inline constexpr int kWavFloat = SF_FORMAT_WAV | SF_FORMAT_FLOAT;
+
 /* Interleaved samples, full scale 1. */
 struct Audio {
   int format = 0;

@@ -4,18 +4,33 @@
 
 namespace host {
 
-Audio AudioCommand::run_on(const std::string &in, const std::vector<std::string> &more) {
+Audio AudioCommand::made(const std::string &in, const std::string &out,
+                         const std::vector<std::string> &more) {
   std::vector<std::string> arguments = command_;
-  arguments.insert(arguments.end(), {in, out_});
+  arguments.insert(arguments.end(), {in, out});
   arguments.insert(arguments.end(), more.begin(), more.end());
   outcome_ = run(arguments);
   EXPECT_EQ(outcome_.exit_code, 0) << outcome_.err;
-  return read_audio(out_);
+  return read_audio(out);
+}
+
+Audio AudioCommand::run_on(const std::string &in, const std::vector<std::string> &more) {
+  return made(in, out_, more);
 }
 
 Audio AudioCommand::run_on(const Audio &source, const std::vector<std::string> &more) {
   write_audio(in_, source);
   return run_on(in_, more);
+}
+
+void AudioCommand::expect_compressed_whole(const std::vector<std::string> &more) {
+  const Audio source = read_audio(kBell);
+  for (const char *name : {"out.flac", "out.ogg", "out.aiff"}) {
+    const Audio result = made(kBell, folder_.file(name), more);
+    EXPECT_EQ(result.frames(), source.frames()) << name;
+    EXPECT_EQ(result.rate, source.rate) << name;
+    EXPECT_EQ(result.channels, source.channels) << name;
+  }
 }
 
 void expect_same(const Audio &result, const Audio &source, const std::vector<double> &samples) {

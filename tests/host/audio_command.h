@@ -14,9 +14,6 @@
 
 namespace host {
 
-inline constexpr int kWav16 = SF_FORMAT_WAV | SF_FORMAT_PCM_16;
-inline constexpr int kWavFloat = SF_FORMAT_WAV | SF_FORMAT_FLOAT;
-
 class AudioCommand : public testing::Test {
  protected:
   /* What the command is, ahead of the names of its files. */
@@ -26,7 +23,13 @@ class AudioCommand : public testing::Test {
   Audio run_on(const std::string &in, const std::vector<std::string> &more = {});
   Audio run_on(const Audio &source, const std::vector<std::string> &more = {});
 
+  /* Compressed files made of a recording, with these arguments behind the files, have its
+   * frames, rate and channels. */
+  void expect_compressed_whole(const std::vector<std::string> &more = {});
+
  private:
+  Audio made(const std::string &in, const std::string &out, const std::vector<std::string> &more);
+
   const std::vector<std::string> command_;
 
  protected:

@@ -14,8 +14,6 @@
 
 namespace host {
 
-inline constexpr int kWav16 = SF_FORMAT_WAV | SF_FORMAT_PCM_16;
-
 /* Beside an input, in.wav, of 3000 frames of stereo tones at 48 kHz there are outputs of
  * an earlier run, whose names begin with "out.". Every run leaves them as they are. */
 class CommandTest : public testing::Test {

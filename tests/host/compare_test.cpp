@@ -10,12 +10,10 @@
 namespace host {
 namespace {
 
-constexpr int kFloat = SF_FORMAT_WAV | SF_FORMAT_FLOAT;
-
 class Compare : public testing::Test {
  protected:
   void write(const std::string &path, int rate, int channels, std::vector<double> samples,
-             int format = kFloat) {
+             int format = kWavFloat) {
     write_audio(path, Audio{format, rate, channels, std::move(samples)});
   }
 

@@ -17,8 +17,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr int kWav16 = SF_FORMAT_WAV | SF_FORMAT_PCM_16;
-
 // Expects a failed run that leaves only what was there before: in.*, and an
 // old out.wav that is whole.
 class Failing : public testing::Test {

@@ -32,9 +32,7 @@ std::string refusal(int source, const std::string &out, const std::string &wish,
   return outcome.err;
 }
 
-constexpr int kWav16 = SF_FORMAT_WAV | SF_FORMAT_PCM_16;
 constexpr int kWav24 = SF_FORMAT_WAV | SF_FORMAT_PCM_24;
-constexpr int kWavFloat = SF_FORMAT_WAV | SF_FORMAT_FLOAT;
 constexpr int kOggVorbis = SF_FORMAT_OGG | SF_FORMAT_VORBIS;
 
 TEST(Format, StaysThatOfTheInputWithoutAKnownSuffix) {

@@ -40,7 +40,8 @@ Limited limited(const Audio &source, const Audio &detect, const Limiting &how);
  * limit and the boost are rounded once each. The level ahead of the gain, its
  * reciprocal, the required gain and its product with the slow stage make four. The
  * product of gain and boost, that with the sample, that with the window and the sum
- * make four more; the windows add up to no more than 1. */
+ * make four more; the windows add up to no more than 1. An eleventh is for their
+ * products. */
 double highest(const Limiting &how);
 
 }  // namespace host

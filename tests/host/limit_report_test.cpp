@@ -13,9 +13,6 @@
 namespace host {
 namespace {
 
-constexpr int kWav16 = SF_FORMAT_WAV | SF_FORMAT_PCM_16;
-constexpr int kWavFloat = SF_FORMAT_WAV | SF_FORMAT_FLOAT;
-
 class LimitReport : public testing::Test {
  protected:
   Outcome limit(const Audio &source, const Limiting &how, std::vector<std::string> more = {}) {

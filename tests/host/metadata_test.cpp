@@ -110,8 +110,7 @@ TEST(Metadata, ContainersWithFewerTagsGetThoseTheyHold) {
 
 TEST(Metadata, SoftwareTagIsKeptAndNamesTheWriterOnce) {
   const Folder folder;
-  write_tagged(folder.file("in.wav"), SF_FORMAT_WAV | SF_FORMAT_PCM_16,
-               {{SF_STR_SOFTWARE, "Recorder 1.0"}});
+  write_tagged(folder.file("in.wav"), kWav16, {{SF_STR_SOFTWARE, "Recorder 1.0"}});
   const std::string before = tags_of(folder.file("in.wav"))[SF_STR_SOFTWARE];
   ASSERT_EQ(before.find("Recorder 1.0"), 0U);
   resample(folder.file("in.wav"), folder.file("out.wav"));
@@ -120,7 +119,7 @@ TEST(Metadata, SoftwareTagIsKeptAndNamesTheWriterOnce) {
 
 TEST(Metadata, FileWithoutTagsGetsNone) {
   const Folder folder;
-  write_tagged(folder.file("in.wav"), SF_FORMAT_WAV | SF_FORMAT_PCM_16, {});
+  write_tagged(folder.file("in.wav"), kWav16, {});
   resample(folder.file("in.wav"), folder.file("out.wav"));
   EXPECT_EQ(tags_of(folder.file("out.wav")), Tags{});
 }

@@ -19,7 +19,7 @@ namespace fs = std::filesystem;
 class Place : public testing::Test {
  protected:
   Place() {
-    write_audio(in_, tones(SF_FORMAT_WAV | SF_FORMAT_PCM_16, 48000, 2, 3000));
+    write_audio(in_, tones(kWav16, 48000, 2, 3000));
     const Outcome outcome = run({"resample", in_, folder_.file("expected.wav"), "--rate", "96000"});
     EXPECT_EQ(outcome.exit_code, 0) << outcome.err;
     expected_ = read_bytes(folder_.file("expected.wav"));

@@ -37,7 +37,7 @@ void expect_rounded(const Audio &integers, const Audio &floats, int bits) {
 
 TEST(Quantise, EverySampleIsTheNearestIntegerOfItsWidth) {
   const Folder folder;
-  write_audio(folder.file("in.wav"), tones(SF_FORMAT_WAV | SF_FORMAT_PCM_16, 48000, 2, 2000));
+  write_audio(folder.file("in.wav"), tones(kWav16, 48000, 2, 2000));
   const Audio floats = converted(folder, "caf:float");
   for (const Kind kind : {Kind{"aiff:s8", 8}, Kind{"wav:u8", 8}, Kind{"wav:s16", 16},
                           Kind{"wav:s24", 24}, Kind{"flac:s16", 16}, Kind{"flac:s24", 24},
@@ -50,7 +50,7 @@ TEST(Quantise, EverySampleIsTheNearestIntegerOfItsWidth) {
 
 TEST(Quantise, WordsOfVariableWidthAreRoundedToo) {
   const Folder folder;
-  write_audio(folder.file("in.wav"), tones(SF_FORMAT_WAV | SF_FORMAT_PCM_16, 48000, 1, 2000));
+  write_audio(folder.file("in.wav"), tones(kWav16, 48000, 1, 2000));
   const Audio floats = converted(folder, "caf:float");
   for (const Kind kind : {Kind{"aiff:dwvw16", 16}, Kind{"aiff:dwvw24", 24}}) {
     SCOPED_TRACE(kind.name);
@@ -60,13 +60,13 @@ TEST(Quantise, WordsOfVariableWidthAreRoundedToo) {
 
 TEST(Quantise, MonoOf16BitsIsRoundedAsItsFloatsAre) {
   const Folder folder;
-  write_audio(folder.file("in.wav"), tones(SF_FORMAT_WAV | SF_FORMAT_PCM_16, 48000, 1, 2000, 1.1));
+  write_audio(folder.file("in.wav"), tones(kWav16, 48000, 1, 2000, 1.1));
   expect_rounded(converted(folder, "wav:s16"), converted(folder, "wav:float"), 16);
 }
 
 TEST(Quantise, CompandedSamplesAreWithinHalfAStepOfTheirSegment) {
   const Folder folder;
-  write_audio(folder.file("in.wav"), tones(SF_FORMAT_WAV | SF_FORMAT_PCM_16, 48000, 2, 2000));
+  write_audio(folder.file("in.wav"), tones(kWav16, 48000, 2, 2000));
   const Audio floats = converted(folder, "caf:float");
   for (const char *name : {"wav:ulaw", "wav:alaw"}) {
     SCOPED_TRACE(name);
@@ -86,7 +86,7 @@ TEST(Quantise, CompandedSamplesAreWithinHalfAStepOfTheirSegment) {
 
 // Full-scale square waves overshoot in the filter.
 Audio square_wave(int channels) {
-  Audio audio = tones(SF_FORMAT_WAV | SF_FORMAT_PCM_16, 48000, channels, 600, 0.0);
+  Audio audio = tones(kWav16, 48000, channels, 600, 0.0);
   for (std::size_t i = 0; i < audio.samples.size(); ++i) {
     audio.samples[i] = i / static_cast<std::size_t>(channels) % 50 < 25 ? 32767 / 32768.0 : -1.0;
   }
@@ -148,7 +148,7 @@ TEST(Quantise, QuietLeavesOutTheNote) {
 
 TEST(Quantise, NotANumberBecomesSilence) {
   const Folder folder;
-  Audio audio = tones(SF_FORMAT_WAV | SF_FORMAT_FLOAT, 48000, 1, 300, 0.0);
+  Audio audio = tones(kWavFloat, 48000, 1, 300, 0.0);
   audio.samples[150] = NAN;
   write_audio(folder.file("in.wav"), audio);
   EXPECT_EQ(converted(folder, "wav:s24").samples, std::vector<double>(600));

@@ -88,7 +88,7 @@ TEST(ResampleAudio, ChannelsStayApart) {
   const Folder folder;
   for (const int channels : {1, 2, 6, 35}) {
     SCOPED_TRACE(std::to_string(channels) + " channels");
-    const Audio source = tones(SF_FORMAT_WAV | SF_FORMAT_FLOAT, 48000, channels, 700);
+    const Audio source = tones(kWavFloat, 48000, channels, 700);
     write_audio(folder.file("in.wav"), source);
     for (const Ratio ratio : kRatios) {
       const Audio result = resampled(ratio, folder.file("in.wav"), folder.file("out.wav"));
@@ -99,7 +99,7 @@ TEST(ResampleAudio, ChannelsStayApart) {
 
 TEST(ResampleAudio, SeveralChannelsOf16BitsAreRight) {
   const Folder folder;
-  const Audio source = tones(SF_FORMAT_WAV | SF_FORMAT_PCM_16, 48000, 3, 700);
+  const Audio source = tones(kWav16, 48000, 3, 700);
   write_audio(folder.file("in.wav"), source);
   for (const Ratio ratio : kRatios) {
     const Audio result = resampled(ratio, folder.file("in.wav"), folder.file("out.wav"));
@@ -113,7 +113,7 @@ TEST(ResampleAudio, FilesOfAnyLengthComeOutWhole) {
   // Around a block, and around what is read at once going up by 4.
   for (const int frames : {1, 2, 63, 64, 65, 257, 4095, 4096, 4097}) {
     SCOPED_TRACE(std::to_string(frames) + " frames");
-    const Audio source = tones(SF_FORMAT_WAV | SF_FORMAT_PCM_16, 8000, 1, frames);
+    const Audio source = tones(kWav16, 8000, 1, frames);
     write_audio(folder.file("in.wav"), source);
     for (const Ratio ratio : {Ratio{4, true}, Ratio{4, false}}) {
       const Audio result = resampled(ratio, folder.file("in.wav"), folder.file("out.wav"));
@@ -124,7 +124,7 @@ TEST(ResampleAudio, FilesOfAnyLengthComeOutWhole) {
 
 TEST(ResampleAudio, LongFileHasNoSeams) {
   const Folder folder;
-  const Audio source = tones(SF_FORMAT_WAV | SF_FORMAT_FLOAT, 8000, 2, 40000);
+  const Audio source = tones(kWavFloat, 8000, 2, 40000);
   write_audio(folder.file("in.wav"), source);
   for (const Ratio ratio : {Ratio{2, true}, Ratio{4, false}}) {
     const Audio result = resampled(ratio, folder.file("in.wav"), folder.file("out.wav"));
@@ -134,7 +134,7 @@ TEST(ResampleAudio, LongFileHasNoSeams) {
 
 TEST(ResampleAudio, EmptyFileGivesEmptyFile) {
   const Folder folder;
-  write_audio(folder.file("in.wav"), tones(SF_FORMAT_WAV | SF_FORMAT_PCM_16, 48000, 2, 0));
+  write_audio(folder.file("in.wav"), tones(kWav16, 48000, 2, 0));
   for (const Ratio ratio : kRatios) {
     const Audio result = resampled(ratio, folder.file("in.wav"), folder.file("out.wav"));
     EXPECT_EQ(result.frames(), 0);
@@ -145,7 +145,7 @@ TEST(ResampleAudio, EmptyFileGivesEmptyFile) {
 
 TEST(ResampleAudio, KeptLatencyComesFirstAndTheTailStays) {
   const Folder folder;
-  const Audio source = tones(SF_FORMAT_WAV | SF_FORMAT_FLOAT, 48000, 2, 301);
+  const Audio source = tones(kWavFloat, 48000, 2, 301);
   write_audio(folder.file("in.wav"), source);
   for (const Ratio ratio : kRatios) {
     const Audio result =
@@ -157,7 +157,7 @@ TEST(ResampleAudio, KeptLatencyComesFirstAndTheTailStays) {
 
 TEST(ResampleAudio, SilenceWithKeptLatencyIsAsLongAsTheLatency) {
   const Folder folder;
-  write_audio(folder.file("in.wav"), tones(SF_FORMAT_WAV | SF_FORMAT_PCM_16, 48000, 1, 0));
+  write_audio(folder.file("in.wav"), tones(kWav16, 48000, 1, 0));
   for (const Ratio ratio : kRatios) {
     const Audio result =
         resampled(ratio, folder.file("in.wav"), folder.file("out.wav"), {"--keep-latency"});
@@ -167,7 +167,7 @@ TEST(ResampleAudio, SilenceWithKeptLatencyIsAsLongAsTheLatency) {
 
 TEST(ResampleAudio, ImpulseStaysInItsPlace) {
   const Folder folder;
-  Audio source = tones(SF_FORMAT_WAV | SF_FORMAT_FLOAT, 48000, 1, 1000, 0.0);
+  Audio source = tones(kWavFloat, 48000, 1, 1000, 0.0);
   source.samples[400] = 0.5;
   write_audio(folder.file("in.wav"), source);
   // The taps at the centre, times the gain going up.

@@ -1,6 +1,7 @@
 // The levels that mvk spectrum writes into a table.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <functional>
 #include <numbers>
@@ -14,8 +15,6 @@
 namespace host {
 namespace {
 
-constexpr int kFloat = SF_FORMAT_WAV | SF_FORMAT_FLOAT;
-constexpr int kWav16 = SF_FORMAT_WAV | SF_FORMAT_PCM_16;
 constexpr int kLengths[] = {32, 64, 128, 256, 512, 1024, 2048, 4096};
 
 // The smallest level, which stands for silence.
@@ -50,7 +49,7 @@ class SpectrumLevels : public testing::Test {
 using Signal = std::function<double(int frame, int channel)>;
 
 Audio audio_of(int channels, int frames, const Signal &signal, int rate = 48000) {
-  Audio audio{kFloat, rate, channels, {}};
+  Audio audio{kWavFloat, rate, channels, {}};
   for (int i = 0; i < frames; ++i) {
     for (int c = 0; c < channels; ++c) audio.samples.push_back(signal(i, c));
   }
@@ -277,7 +276,7 @@ TEST_F(SpectrumLevels, EveryFormatOfTheSameSamplesHasTheSameLevels) {
   table_of(source, 256);
   const std::string expected = read_bytes(out_);
   for (const int format : {SF_FORMAT_FLAC | SF_FORMAT_PCM_16, SF_FORMAT_W64 | SF_FORMAT_DOUBLE,
-                           SF_FORMAT_AIFF | SF_FORMAT_PCM_24, kFloat}) {
+                           SF_FORMAT_AIFF | SF_FORMAT_PCM_24, kWavFloat}) {
     Audio other = source;
     other.format = format;
     table_of(other, 256);
@@ -313,7 +312,7 @@ TEST_F(SpectrumLevels, StreamThatDoesntKnowItsLengthServes) {
 }
 
 TEST_F(SpectrumLevels, UnusableSamplesCountAsSilenceAndAreReported) {
-  Audio audio = tones(kFloat, 48000, 2, 20000);
+  Audio audio = tones(kWavFloat, 48000, 2, 20000);
   const std::pair<std::size_t, double> unusable[] = {
       {7, NAN}, {500, INFINITY}, {501, -INFINITY}, {16385, 3e38}, {39999, -2e18}};
   audio.samples[1000] = 1e18;  // counts

@@ -43,7 +43,7 @@ TEST(Usage, RateThatDoesntSuitTheFileListsThoseThatDo) {
                {8001, "16002 or 32004"}};
   for (const auto &file : files) {
     const std::string in = folder.file("in.wav");
-    write_audio(in, tones(SF_FORMAT_WAV | SF_FORMAT_PCM_16, file.rate, 1, 300));
+    write_audio(in, tones(kWav16, file.rate, 1, 300));
     for (const int rate : {file.rate, 3 * file.rate, 8 * file.rate, 7, 5512}) {
       EXPECT_EQ(
           usage_error({"resample", in, folder.file("out.wav"), "--rate", std::to_string(rate)}),

@@ -7,8 +7,8 @@
 #include <cstring>
 #include <span>
 
+#include "kernels/edge_pages.h"
 #include "kernels/kernel_samples.h"
-#include "kernels/vector_edge_pages.h"
 
 namespace testing_support {
 namespace {

@@ -35,7 +35,7 @@ struct StatefulKernel {
   size_t inputs = 32;  // samples that a block reads and writes
   size_t outputs = 32;
   int wide = -1;          // the float of the state at which a binary64 begins
-  bool positive = false;  // it overflows on inputs of both signs
+  bool positive = false;  // runs on positive samples: it overflows on those of both signs
 };
 
 // Both forms over several blocks of random samples, apart and in place, against the recursion run

@@ -29,7 +29,8 @@ Channels Some(size_t n, Random &random, bool aligned) {
     // Every other buffer is aligned, so that both paths are taken in one call.
     const int at = i % 2 == 0 ? 0 : offset();
     some.y.push_back(some.buffers.emplace_back(Samples(kUniform, random, kBlockSize), at).data());
-    some.s.push_back(some.states.emplace_back(Samples(kUniform, random, 2), offset()).data());
+    const int state_at = offset();
+    some.s.push_back(some.states.emplace_back(Samples(kUniform, random, 2), state_at).data());
   }
   return some;
 }

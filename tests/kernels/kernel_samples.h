@@ -53,7 +53,8 @@ inline constexpr float kKernelSpecials[] = {
 
 // Any binade from the denormals to the largest, each alike.
 inline float AnyBinade(Random &random) {
-  return std::ldexp(random.Unit(), static_cast<int>(random.Below(276)) - 148);
+  const int exponent = static_cast<int>(random.Below(276)) - 148;
+  return std::ldexp(random.Unit(), exponent);
 }
 
 inline float KernelSpecial(Random &random) {

@@ -53,10 +53,11 @@ TEST(BlockShuffle, IsItsDefinitionAtAnyAlignment) {
   for (const Shuffle &row : kShuffles) {
     Random random(1);
     for (const Material &material : kMaterials) {
-      for (int p = 0; p < row.offsets; ++p) {
-        for (int q = 0; q < row.offsets; ++q) {
-          ExpectDefinition(row, Samples(material, random, kBlockSize),
-                           Samples(material, random, kBlockSize), p, q, material.name);
+      for (int p_offset = 0; p_offset < row.offsets; ++p_offset) {
+        for (int q_offset = 0; q_offset < row.offsets; ++q_offset) {
+          const std::vector<float> p = Samples(material, random, kBlockSize);
+          const std::vector<float> q = Samples(material, random, kBlockSize);
+          ExpectDefinition(row, p, q, p_offset, q_offset, material.name);
         }
       }
     }

@@ -1,8 +1,8 @@
 // The comparison of two vectors within a tolerance.
 #include <gtest/gtest.h>
 
+#include "kernels/edge_pages.h"
 #include "kernels/kernel_samples.h"
-#include "kernels/vector_edge_pages.h"
 #include "mvk_kernels.h"
 #include "reference/vector_reference.h"
 
@@ -47,9 +47,11 @@ TEST(VectorEqual, TakesAnyCountAtAnyAlignment) {
         for (int ob = 0; ob < form.offsets; ++ob) {
           GuardedFloats guarded_a(a, oa), guarded_b(b, ob), same(a, ob);
           float *const pa = guarded_a.data();
-          EXPECT_EQ(form.equal(pa, guarded_b.data(), n, 0.125f), n == 0) << n << oa << ob;
-          EXPECT_EQ(form.equal(pa, guarded_b.data(), n, 0.5f), 1) << n << oa << ob;
-          EXPECT_EQ(form.equal(pa, same.data(), n, 0), 1) << n << oa << ob;
+          EXPECT_EQ(form.equal(pa, guarded_b.data(), n, 0.125f), n == 0)
+              << n << " at " << oa << ", " << ob;
+          EXPECT_EQ(form.equal(pa, guarded_b.data(), n, 0.5f), 1)
+              << n << " at " << oa << ", " << ob;
+          EXPECT_EQ(form.equal(pa, same.data(), n, 0), 1) << n << " at " << oa << ", " << ob;
         }
       }
     }
@@ -65,9 +67,9 @@ TEST(VectorEqual, FindsADifferenceAtEachPlace) {
       for (uint32_t place = 0; place < n; ++place) {
         std::vector<float> b = a;
         b[place] = 1.5f;
-        ASSERT_EQ(Compared(form, a, b, 0.25f), 0) << form.name << n << place;
-        ASSERT_EQ(Compared(form, b, a, 0.25f), 0) << form.name << n << place;
-        ASSERT_EQ(Compared(form, a, b, 0.5f), 1) << form.name << n << place;
+        ASSERT_EQ(Compared(form, a, b, 0.25f), 0) << form.name << " " << n << ", " << place;
+        ASSERT_EQ(Compared(form, b, a, 0.25f), 0) << form.name << " " << n << ", " << place;
+        ASSERT_EQ(Compared(form, a, b, 0.5f), 1) << form.name << " " << n << ", " << place;
       }
     }
   }
@@ -140,7 +142,7 @@ TEST(VectorEqual, AgreesWithItsDefinitionOnAnySamples) {
       const float tolerance = std::fabs(std::ldexp(random.Unit(), -8));
       const int32_t expected = reference::EqualWithin(a.data(), b.data(), n, tolerance);
       held += expected;
-      ASSERT_EQ(Compared(form, a, b, tolerance), expected) << form.name << n;
+      ASSERT_EQ(Compared(form, a, b, tolerance), expected) << form.name << " " << n;
     }
   }
   // Both answers came up often.

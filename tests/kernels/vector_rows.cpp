@@ -3,8 +3,8 @@
 #include <deque>
 #include <vector>
 
+#include "kernels/edge_pages.h"
 #include "kernels/kernel_samples.h"
-#include "kernels/vector_edge_pages.h"
 
 namespace testing_support {
 namespace {

@@ -1,8 +1,8 @@
 // Kernels of counted real vectors.
 #include <gtest/gtest.h>
 
+#include "kernels/edge_pages.h"
 #include "kernels/kernel_samples.h"
-#include "kernels/vector_edge_pages.h"
 #include "kernels/vector_rows.h"
 #include "mvk_kernels.h"
 #include "reference/vector_reference.h"

@@ -19,7 +19,8 @@ std::vector<float> Noise(Random &random, size_t count, float level) {
 Channels Some(Random &random, uint32_t count, size_t frames, uint64_t stride, float level = 2) {
   Channels channels(frames, stride);
   for (uint32_t c = 0; c < count; ++c) {
-    channels.Add(Noise(random, frames, level), static_cast<int>(random.Below(8)));
+    const int offset = static_cast<int>(random.Below(8));
+    channels.Add(Noise(random, frames, level), offset);
   }
   return channels;
 }

@@ -17,7 +17,7 @@ LimiterPair Clipper(uint32_t channels, uint32_t sub_block, uint32_t frames) {
   return limiter;
 }
 
-// One channel through a clipper of the library's alone.
+// What becomes of one channel.
 std::vector<float> Clip(LimiterPair &limiter, const std::vector<float> &samples,
                         uint64_t in_stride = 1, uint64_t out_stride = 1) {
   Channels in(samples.size(), in_stride), out(samples.size(), out_stride);
@@ -53,7 +53,7 @@ TEST(LimiterClip, HoldsSamplesWithinThePeak) {
       {-0.0f, 1, kUnity, -0.0f},
       {3, kInfinity, kUnity, 3},
       {0x1p-149f, 1, 1, 0x1p-141f},
-      // No peak: the sign of a negative zero's limits is the lower limit's.
+      // Between limits of 0 and -0.
       {1, 0, kUnity, 0.0f},
       {-1, 0, kUnity, -0.0f},
       // The lower limit is above the upper one, and has the last word.
@@ -154,7 +154,8 @@ TEST(LimiterClip, TakesAnyStrides) {
                      << length.sub_block << ", strides " << in_stride << " and " << out_stride);
         Channels in(frames, in_stride), out(frames, out_stride);
         for (int c = 0; c < 3; ++c) {
-          in.Add(Samples(kMixed, random, frames), static_cast<int>(random.Below(8)));
+          const int in_offset = static_cast<int>(random.Below(8));
+          in.Add(Samples(kMixed, random, frames), in_offset);
           out.AddSilent(static_cast<int>(random.Below(8)));
         }
         EXPECT_TRUE(limiter.Process(out, in));

@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <vector>
 
+#include "kernels/edge_pages.h"
 #include "kernels/kernel_samples.h"
-#include "kernels/vector_edge_pages.h"
 #include "limiter/limiter_pair.h"
 
 namespace testing_support {

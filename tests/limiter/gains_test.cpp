@@ -12,6 +12,8 @@
 namespace testing_support {
 namespace {
 
+using reference::kSlowThreshold;
+
 // A limiter of one sub-block a call, fed constant levels.
 class Course {
  public:
@@ -34,8 +36,6 @@ class Course {
 
   LimiterPair limiter;
 };
-
-constexpr float kThreshold = std::bit_cast<float>(0x3F576600u);
 
 // ---- One loud sub-block ----
 
@@ -124,7 +124,7 @@ TEST(LimiterCourse, StagesTradePlacesUnderASustainedLevel) {
   // distance from slow * fast / threshold, which has three roundings, is half a unit.
   const double slow = record.slow_gain;
   const double follow = 748 * 0x1p-15;
-  EXPECT_NEAR(record.fast_gain, kThreshold, kThreshold / slow * 0x1p-25 / follow + 0x1p-22);
+  EXPECT_NEAR(record.fast_gain, kSlowThreshold, kSlowThreshold / slow * 0x1p-25 / follow + 0x1p-22);
   // The fast stage rests as close to the required gain by 1 - release, and so does the product.
   const double release = 27238 * 0x1p-15;
   EXPECT_NEAR(record.fast_gain * slow, 0.5, slow * 0x1p-25 / (1 - release) + 0x1p-23);
@@ -208,8 +208,8 @@ TEST(LimiterGain, SlowStageTurnsAtItsThreshold) {
       EXPECT_EQ(record.fast_gain, fast);
       return record.slow_gain;
     };
-    EXPECT_GT(slow_stage(kThreshold), 0.5f + 0x1p-12f);
-    EXPECT_LT(slow_stage(std::nextafter(kThreshold, 0.0f)), 0.5f + 0x1p-20f);
+    EXPECT_GT(slow_stage(kSlowThreshold), 0.5f + 0x1p-12f);
+    EXPECT_LT(slow_stage(std::nextafter(kSlowThreshold, 0.0f)), 0.5f + 0x1p-20f);
   }
 }
 

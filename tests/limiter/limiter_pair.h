@@ -13,9 +13,9 @@
 #include <utility>
 #include <vector>
 
+#include "kernels/guarded_bytes.h"
 #include "kernels/kernel_samples.h"
 #include "orvane_ht_ztlim.h"
-#include "reference/guarded_bytes.h"
 #include "reference/limiter_reference.h"
 
 namespace testing_support {

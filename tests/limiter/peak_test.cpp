@@ -133,7 +133,8 @@ TEST(LimiterPeak, OfAnySamplesInSeveralChannels) {
           for (unsigned specials = random.Below(4); specials > 0; --specials) {
             samples[random.Below(n)] = random.Below(2) == 0 ? kNaN : KernelSpecial(random);
           }
-          detect.Add(samples, static_cast<int>(random.Below(8) * random.Below(2)));
+          const int offset = static_cast<int>(random.Below(8));
+          detect.Add(samples, random.Below(2) == 0 ? 0 : offset);
           if (random.Below(5) == 0) detect.Drop(c);
         }
         PeakOf(limiter, detect);

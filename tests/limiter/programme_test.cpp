@@ -41,7 +41,8 @@ class Source {
 
   void Begin(Random &random) {
     kind_ = static_cast<Kind>(random.Below(kKinds));
-    level_ = std::ldexp(1 + 0.5f * random.Unit(), static_cast<int>(random.Below(9)) - 6);
+    const int exponent = static_cast<int>(random.Below(9)) - 6;
+    level_ = std::ldexp(1 + 0.5f * random.Unit(), exponent);
     step_ = 0.5f * std::abs(random.Unit());
     remaining_ = 1 + random.Below(random.Below(3) == 0 ? 3000 : 200);
   }
@@ -87,7 +88,8 @@ class Programme {
     if (random_.Below(2) == 0) return limiter_.Process(out, in);
     if (random_.Below(4) == 0) return limiter_.ProcessIndirect(out, in, in);
     Channels detect(frames, in.stride());
-    Fill(detect, random_.Below(kMost + 2), random_.Below(2) == 0);
+    const bool interleaved = random_.Below(2) == 0;
+    Fill(detect, random_.Below(kMost + 2), interleaved);
     DropSome(detect);
     return limiter_.ProcessIndirect(out, detect, in);
   }
@@ -177,8 +179,10 @@ class Programme {
       case 4:
         return limiter_.SetSampleRate(random_.Below(200000));
       case 5:
-      case 6:
-        return limiter_.SetBlockSize(n * random_.Below(5) + (random_.Below(4) == 0));
+      case 6: {
+        const uint32_t frames = n * random_.Below(5);
+        return limiter_.SetBlockSize(frames + (random_.Below(4) == 0));
+      }
       case 7:
         return limiter_.SetNumChannels(random_.Below(kMost + 2));
       case 8:

@@ -70,6 +70,10 @@ inline const LimiterTimes *TimesOf(uint32_t sub_block, uint32_t rate) {
                       [updates](const LimiterTimes &row) { return row.updates == updates; });
 }
 
+// The slow stage turns where the fast one is at this, and its reciprocal.
+inline constexpr float kSlowThreshold = std::bit_cast<float>(0x3F576600u);      // 0.8414
+inline constexpr float kOverSlowThreshold = std::bit_cast<float>(0x3F98209Cu);  // 1.1885
+
 inline float Fifteenths(int64_t units) { return static_cast<float>(units) * 0x1p-15f; }
 
 // Entry i of the window of n entries.
@@ -131,8 +135,6 @@ class Limiter {
     num_channels = channels;
     return 0;
   }
-
-  uint32_t Latency() const { return enable == 0 || hard_clip != 0 ? 0 : sub_block; }
 
   void Reset() {
     fast_gain = slow_gain = gain = prev_gain = 1;
@@ -196,8 +198,8 @@ class Limiter {
 
     const float f = fast_gain;
     const float u = slow_gain;
-    if (f < std::bit_cast<float>(0x3F576600u)) {
-      const float towards = (f * u) * std::bit_cast<float>(0x3F98209Cu);
+    if (f < kSlowThreshold) {
+      const float towards = (f * u) * kOverSlowThreshold;
       slow_gain =
           std::fma(u, Fifteenths(times->slow_keep), towards * Fifteenths(times->slow_follow));
     } else {

@@ -70,22 +70,16 @@ class ExactMfbAnalysis {
   }
 
   // What becomes of x up to and with slot s, to within `modulation` times its rms by the
-  // transform. The carriers change their sign every 2 M samples.
+  // transform.
   QmfSlot Slot(std::span<const float> x, size_t s, double modulation) const {
-    const size_t m = bands_, newest = (s + 1) * m - 1;
-    Reals folded(2 * m);
-    double weight = 0;
-    for (size_t d = 0; d < taps_.size() && d <= newest; ++d) {
-      const double product = taps_[d] * x[newest - d] / (2.0 * static_cast<double>(m));
-      folded[d % (2 * m)] += d / (2 * m) % 2 == 0 ? product : -product;
-      weight += std::fabs(product);
-    }
-    QmfSlot slot{WideArray(m), 0};
-    for (size_t k = 0; k < m; ++k) {
-      slot.bands[k] = Product(turns_[k], carriers_.OverTime(k, first_, folded));
+    const FoldedWindow folded(taps_, bands_, x, s);
+    QmfSlot slot{WideArray(bands_), 0};
+    for (size_t k = 0; k < bands_; ++k) {
+      slot.bands[k] = Product(turns_[k], carriers_.OverTime(k, first_, folded.samples));
     }
     // Five roundings of a window's sum, and four in turning what it comes to.
-    slot.bound = (5 + 4) * kRounding * std::numbers::sqrt2 * weight + modulation * Rms(slot.bands);
+    slot.bound =
+        (5 + 4) * kRounding * std::numbers::sqrt2 * folded.weight + modulation * Rms(slot.bands);
     return slot;
   }
 
@@ -153,11 +147,7 @@ class ExactMfbSynthesis {
       // bin of the transform has two of these samples.
       const double bound =
           (10 + 6) * kRounding * peak + modulation * std::sqrt(energy / static_cast<double>(m));
-      for (size_t n = 0; n < taps_.size() && start + n < out.samples.size(); ++n) {
-        const double product = taps_[n] * v[n % period];
-        out.samples[start + n] += n / period % 2 == 0 ? product : -product;
-        out.bounds[start + n] += std::fabs(taps_[n]) * bound;
-      }
+      out.AddSlot(start, taps_, v, bound);
     }
     return out;
   }

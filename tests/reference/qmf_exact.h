@@ -88,6 +88,23 @@ struct QmfSlot {
   double bound;     // of each band's error
 };
 
+// The window over the samples up to and with slot s, halved and over M, and folded into the 2 M
+// samples after which the carriers change their sign.
+struct FoldedWindow {
+  Reals samples;
+  double weight = 0;  // the sum of the magnitudes
+
+  FoldedWindow(const Reals &taps, size_t bands, std::span<const float> x, size_t s)
+      : samples(2 * bands) {
+    const size_t newest = (s + 1) * bands - 1;
+    for (size_t d = 0; d < taps.size() && d <= newest; ++d) {
+      const double product = taps[d] * x[newest - d] / (2.0 * static_cast<double>(bands));
+      samples[d % (2 * bands)] += d / (2 * bands) % 2 == 0 ? product : -product;
+      weight += std::fabs(product);
+    }
+  }
+};
+
 class ExactAnalysis {
  public:
   ExactAnalysis(const QmfWindow &window, const float *table)
@@ -127,20 +144,13 @@ class ExactAnalysis {
   }
 
  private:
-  // The carriers change their sign every 2 M samples.
   QmfSlot Slot(std::span<const float> x, size_t s, double modulation, int64_t first) const {
-    const size_t m = window_.bands, newest = (s + 1) * m - 1;
-    Reals folded(2 * m);
-    double weight = 0;
-    for (size_t d = 0; d < taps_.size() && d <= newest; ++d) {
-      const double product = taps_[d] * x[newest - d] / (2.0 * static_cast<double>(m));
-      folded[d % (2 * m)] += d / (2 * m) % 2 == 0 ? product : -product;
-      weight += std::fabs(product);
-    }
+    const size_t m = window_.bands;
+    const FoldedWindow folded(taps_, m, x, s);
     QmfSlot slot{WideArray(m), 0};
-    for (size_t k = 0; k < m; ++k) slot.bands[k] = carriers_.OverTime(k, first, folded);
+    for (size_t k = 0; k < m; ++k) slot.bands[k] = carriers_.OverTime(k, first, folded.samples);
     // P roundings of a window's sum, and four in turning what it comes to.
-    slot.bound = (window_.order + 4) * kRounding * std::numbers::sqrt2 * weight +
+    slot.bound = (window_.order + 4) * kRounding * std::numbers::sqrt2 * folded.weight +
                  modulation * Rms(slot.bands);
     return slot;
   }
@@ -153,6 +163,16 @@ class ExactAnalysis {
 
 struct QmfOutput {
   explicit QmfOutput(size_t count) : samples(count), bounds(count) {}
+
+  // What a slot whose output begins at `start` adds: its taps times the 2 M samples after which the
+  // carriers change their sign, each to within `bound`.
+  void AddSlot(size_t start, const Reals &taps, const Reals &period, double bound) {
+    for (size_t n = 0; n < taps.size() && start + n < samples.size(); ++n) {
+      const double product = taps[n] * period[n % period.size()];
+      samples[start + n] += n / period.size() % 2 == 0 ? product : -product;
+      bounds[start + n] += std::fabs(taps[n]) * bound;
+    }
+  }
 
   Reals samples;
   Reals bounds;
@@ -217,11 +237,7 @@ class ExactSynthesis {
     // 2 P roundings on the way through the delay line, and six in turning what comes into it.
     const double bound = (2 * window_.order + 6) * kRounding * peak +
                          modulation * std::sqrt(energy / static_cast<double>(period));
-    for (size_t n = 0; n < taps_.size() && start + n < out.samples.size(); ++n) {
-      const double product = taps_[n] * v[n % period];
-      out.samples[start + n] += n / period % 2 == 0 ? product : -product;
-      out.bounds[start + n] += std::fabs(taps_[n]) * bound;
-    }
+    out.AddSlot(start, taps_, v, bound);
   }
 
   QmfWindow window_;

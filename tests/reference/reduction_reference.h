@@ -37,7 +37,6 @@ inline float PeakOfGroups(const float *x, uint32_t n) {
 }
 
 inline uint32_t HeadroomUnder(float peak) {
-  if (peak == 0) return 60;
   const int exponent = static_cast<int>(std::bit_cast<uint32_t>(peak) >> 23 & 0xff);
   return static_cast<uint32_t>(std::clamp(126 - exponent, 0, 60));
 }

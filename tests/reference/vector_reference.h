@@ -3,7 +3,6 @@
 #define MVK_TESTS_REFERENCE_VECTOR_REFERENCE_H_
 
 #include <algorithm>
-#include <bit>
 #include <cmath>
 #include <cstdint>
 
@@ -12,8 +11,7 @@
 namespace reference {
 
 inline float ClampedPowerOfTwo(int32_t k) {
-  if (k < -59) return std::bit_cast<float>(0x21800000u);
-  return PowerOfTwo(static_cast<uint32_t>(std::min(k, 60)));
+  return PowerOfTwo(static_cast<uint32_t>(std::clamp(k, -60, 60)));
 }
 
 enum class Mask { kForwards, kBackwards };

@@ -11,7 +11,7 @@
 #include <tuple>
 #include <vector>
 
-#include "kernels/vector_edge_pages.h"
+#include "kernels/edge_pages.h"
 #include "services/phase90_pair.h"
 
 namespace testing_support {

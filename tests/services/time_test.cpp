@@ -87,6 +87,7 @@ TEST(Time, QuotientByZeroIsInfiniteOrNoNumber) {
 }
 
 TEST(Time, IsComparedWithoutASign) {
+  // From the least to the greatest, so that their places are compared alike.
   constexpr uint64_t kTimes[] = {0,           1,         0x7fffffff,    0x80000000, 0xffffffff,
                                  0x100000000, kMost / 2, kMost / 2 + 1, kMost};
   for (const uint64_t &a : kTimes) {

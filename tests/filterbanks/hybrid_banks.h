@@ -1,18 +1,17 @@
-// Hybrid banks in guarded memory, for tests.
-#ifndef MVK_TESTS_REFERENCE_HYBRID_BANKS_H_
-#define MVK_TESTS_REFERENCE_HYBRID_BANKS_H_
+// Hybrid banks in guarded memory, and what they are run with.
+#ifndef MVK_TESTS_FILTERBANKS_HYBRID_BANKS_H_
+#define MVK_TESTS_FILTERBANKS_HYBRID_BANKS_H_
 
 #include <gtest/gtest.h>
 
 #include <cstddef>
 #include <cstdint>
 #include <span>
-#include <string>
 #include <vector>
 
+#include "kernels/guarded_bytes.h"
 #include "kernels/kernel_samples.h"
 #include "mvk_hybrid.h"
-#include "reference/guarded_bytes.h"
 #include "reference/hybrid_exact.h"
 
 namespace testing_support {
@@ -23,14 +22,15 @@ using reference::WideComplex;
 
 inline constexpr size_t kHybridHistory = 78;  // floats
 
-inline const auto kHybridName = [](const auto &tested) { return std::string(tested.param.name); };
+// Bytes that the banks ask for.
+inline constexpr size_t kHybridState = 343, kHybridAnalysisRecord = 39, kHybridSynthesisRecord = 15;
 
 // In memory of exactly so many bytes, a number of them behind multiples of 64.
 class HybridAnalysis {
  public:
   explicit HybridAnalysis(uint32_t flags, size_t misalignment = 0)
-      : state_(343, misalignment),
-        record_memory_(39, misalignment),
+      : state_(kHybridState, misalignment),
+        record_memory_(kHybridAnalysisRecord, misalignment),
         record_(MVK_hybrid_analysisCL_open(flags, state_.data(), nullptr, record_memory_.data())) {}
 
   mvk_hybrid_analysisCL_state *record() { return record_; }
@@ -63,7 +63,7 @@ class HybridAnalysis {
 class HybridSynthesis {
  public:
   explicit HybridSynthesis(uint32_t flags, size_t misalignment = 0)
-      : record_memory_(15, misalignment),
+      : record_memory_(kHybridSynthesisRecord, misalignment),
         record_(MVK_hybrid_synthesisCL_open(flags, nullptr, nullptr, record_memory_.data())) {}
 
   mvk_hybrid_synthesisCL_state *record() { return record_; }

@@ -1,24 +1,21 @@
-// QMF banks in guarded memory, the four kinds alike, and what they are run with, for tests.
-#ifndef MVK_TESTS_REFERENCE_QMF_BANKS_H_
-#define MVK_TESTS_REFERENCE_QMF_BANKS_H_
+// QMF banks in guarded memory, the four kinds alike, and what they are run with.
+#ifndef MVK_TESTS_FILTERBANKS_QMF_BANKS_H_
+#define MVK_TESTS_FILTERBANKS_QMF_BANKS_H_
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
-#include <optional>
 #include <span>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "dct/pair_kinds.h"
+#include "kernels/guarded_bytes.h"
 #include "kernels/kernel_samples.h"
 #include "mvk_fft.h"
 #include "mvk_qmf.h"
-#include "reference/guarded_bytes.h"
 #include "reference/qmf_exact.h"
 #include "reference/qmf_prototypes.h"
 
@@ -56,9 +53,6 @@ inline const QmfPrototype kQmfPrototypes[] = {
     QMF_PROTOTYPE(P5_p64orv301_8, 5, 8),
 };
 #undef QMF_PROTOTYPE
-
-// For the names of tests.
-inline constexpr auto kByName = [](const auto &tested) { return std::string(tested.param.name); };
 
 inline const QmfPrototype &QmfPrototypeOf(const std::string &name) {
   for (const QmfPrototype &prototype : kQmfPrototypes) {
@@ -135,7 +129,7 @@ inline double ComplexModulationBound(uint32_t bands) { return ModulationBound(ba
 
 // ---- Kinds ----
 
-#define QMF_KIND(Kind, state, name)                                        \
+#define QMF_KIND(state, name)                                              \
   using State = state;                                                     \
   static constexpr auto kQuery = &MVK_qmf_##name##_query_mem;              \
   static constexpr auto kOpen = &mvk_qmf_##name##_open;                    \
@@ -145,21 +139,21 @@ inline double ComplexModulationBound(uint32_t bands) { return ModulationBound(ba
   static constexpr auto kClose = &MVK_qmf_##name##_close;
 
 struct LongAnalysis {
-  QMF_KIND(LongAnalysis, mvk_qmf_analysisL_state, analysisL)
+  QMF_KIND(mvk_qmf_analysisL_state, analysisL)
   static constexpr auto kReal = &MVK_Lqmf_analysisL;
   static constexpr auto kComplex = &MVK_CLqmf_analysisL;
   static constexpr bool kShort = false, kAnalyses = true;
 };
 
 struct ShortAnalysis {
-  QMF_KIND(ShortAnalysis, mvk_qmf_analysisS_state, analysisS)
+  QMF_KIND(mvk_qmf_analysisS_state, analysisS)
   static constexpr auto kReal = &MVK_Lqmf_analysisS;
   static constexpr auto kComplex = &MVK_CLqmf_analysisS;
   static constexpr bool kShort = true, kAnalyses = true;
 };
 
 struct LongSynthesis {
-  QMF_KIND(LongSynthesis, mvk_qmf_synthesisL_state, synthesisL)
+  QMF_KIND(mvk_qmf_synthesisL_state, synthesisL)
   static constexpr auto kReal = &MVK_Lqmf_synthesisL;
   static constexpr auto kComplex = &MVK_Lqmf_synthesisCL;
   static constexpr auto kCopyStates = &MVK_qmf_synthesisL_copy_states;
@@ -167,7 +161,7 @@ struct LongSynthesis {
 };
 
 struct ShortSynthesis {
-  QMF_KIND(ShortSynthesis, mvk_qmf_synthesisS_state, synthesisS)
+  QMF_KIND(mvk_qmf_synthesisS_state, synthesisS)
   static constexpr auto kReal = &MVK_Sqmf_synthesisL;
   static constexpr auto kComplex = &MVK_Sqmf_synthesisCL;
   static constexpr auto kCopyStates = &MVK_qmf_synthesisS_copy_states;

@@ -1,6 +1,6 @@
-// Multichannel banks in guarded memory, and what they are run with, for tests.
-#ifndef MVK_TESTS_REFERENCE_MFB_BANKS_H_
-#define MVK_TESTS_REFERENCE_MFB_BANKS_H_
+// Multichannel banks in guarded memory, and what they are run with.
+#ifndef MVK_TESTS_FILTERBANKS_MFB_BANKS_H_
+#define MVK_TESTS_FILTERBANKS_MFB_BANKS_H_
 
 #include <gtest/gtest.h>
 
@@ -12,10 +12,10 @@
 #include <utility>
 #include <vector>
 
+#include "kernels/guarded_bytes.h"
 #include "kernels/kernel_samples.h"
 #include "mvk_fft.h"
 #include "mvk_mfb.h"
-#include "reference/guarded_bytes.h"
 #include "reference/mfb_exact.h"
 #include "reference/mfb_steps.h"
 
@@ -24,7 +24,6 @@ namespace testing_support {
 using reference::kMfbTaps;
 using reference::MfbPath;
 
-inline constexpr uint32_t kMfbBands[] = {64, 128, 256};
 // All multiples of 4 that have a transform will do: of both families, powers of two and others.
 inline constexpr uint32_t kMoreMfbBands[] = {4, 8, 12, 20, 48, 64, 128, 256, 320};
 
@@ -248,14 +247,9 @@ class MfbBank {
   typename Kind::State *record_;
 };
 
+using MfbKinds = testing::Types<MfbAnalysisKind, MfbSynthesisKind>;
 using MfbAnalysisBank = MfbBank<MfbAnalysisKind>;
 using MfbSynthesisBank = MfbBank<MfbSynthesisKind>;
-
-// The forward pair of n points of the family that is searched first.
-inline const mvk_fft_pair *MfbPairOf(uint32_t n) {
-  const mvk_fft_pair *pair = MVK_r8_cplx_fwd_pair(n);
-  return pair != nullptr ? pair : MVK_r4_cplx_fwd_pair(n);
-}
 
 // A transform of a copy.
 inline std::vector<float> MfbTransformed(mvk_fft_kernel *kernel, std::vector<float> src) {

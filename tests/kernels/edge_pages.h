@@ -1,7 +1,7 @@
 // Floats up against memory that nobody may touch: a kernel that reads or writes one
 // of them too many is stopped by the processor.
-#ifndef MVK_TESTS_KERNELS_VECTOR_EDGE_PAGES_H_
-#define MVK_TESTS_KERNELS_VECTOR_EDGE_PAGES_H_
+#ifndef MVK_TESTS_KERNELS_EDGE_PAGES_H_
+#define MVK_TESTS_KERNELS_EDGE_PAGES_H_
 
 #include <sys/mman.h>
 #include <unistd.h>

@@ -1,6 +1,6 @@
 // Memory of the caller's, watched on both sides.
-#ifndef MVK_TESTS_REFERENCE_GUARDED_BYTES_H_
-#define MVK_TESTS_REFERENCE_GUARDED_BYTES_H_
+#ifndef MVK_TESTS_KERNELS_GUARDED_BYTES_H_
+#define MVK_TESTS_KERNELS_GUARDED_BYTES_H_
 
 #include <gtest/gtest.h>
 
