@@ -3,9 +3,8 @@
 #include <complex>
 #include <cstddef>
 #include <cstdint>
-#include <functional>
-#include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "bench/kernels.h"
@@ -107,13 +106,13 @@ void enroll_qmf() {
 #endif
 }
 
-// ---- Parts --------------------------------------------------------------------
+// ---- Stages -------------------------------------------------------------------
 
-// A part of one slot's work, as a call of its own, beside the whole: the ratio is its fraction
-// of the time. The window folds the taps' products as it sums them, so that these two are one
-// part. The transform, and with it the reorder, meet silence, which stays what it is however
-// often it is transformed; their time doesn't depend on what the samples are.
-struct slot {
+// The stages of a call, each as a call of its own, beside the whole: the ratio is a stage's
+// fraction of the time. The window folds the taps' products as it sums them, so that these two
+// are one stage. The transform, and with it the reorder, meet silence, which stays what it is
+// however often it is transformed; their time doesn't depend on what the samples are.
+struct stages {
   qmf bank;
   bench::placed<float> x = bench::noise(samples, 1), y{samples}, silence{4 * bands};
 
@@ -153,10 +152,10 @@ struct slot {
   static constexpr mvk_fft_pair no_transform = {nothing, nothing};
 };
 
-void enroll_part(const std::string &name, void (slot::*part)(), void (slot::*whole)()) {
-  const auto contender = [&](const char *who, void (slot::*work)()) {
-    bench::enroll("banks-parts/" + name + "/" + who, [=](benchmark::State &state) {
-      slot own;
+void enroll_stage(const std::string &name, void (stages::*stage)(), void (stages::*whole)()) {
+  const auto contender = [&](const char *who, void (stages::*work)()) {
+    bench::enroll("banks-stages/" + name + "/" + who, [=](benchmark::State &state) {
+      stages own;
       own.analysis();  // something to reorder and to synthesise
       bench::repeat(state, [&] {
         (own.*work)();
@@ -164,17 +163,17 @@ void enroll_part(const std::string &name, void (slot::*part)(), void (slot::*who
       });
     });
   };
-  contender("library", part);
+  contender("library", stage);
   contender("whole", whole);
 }
 
-void enroll_parts() {
-  enroll_part("analysis/window-and-fold", &slot::analysis_window, &slot::analysis);
-  enroll_part("analysis/transform", &slot::transform, &slot::analysis);
-  enroll_part("analysis/reorder", &slot::analysis_reorder, &slot::analysis);
-  enroll_part("synthesis/reorder", &slot::synthesis_reorder, &slot::synthesis);
-  enroll_part("synthesis/transform", &slot::transform, &slot::synthesis);
-  enroll_part("synthesis/window-and-fold", &slot::synthesis_window, &slot::synthesis);
+void enroll_stages() {
+  enroll_stage("analysis/window-and-fold", &stages::analysis_window, &stages::analysis);
+  enroll_stage("analysis/transform", &stages::transform, &stages::analysis);
+  enroll_stage("analysis/reorder", &stages::analysis_reorder, &stages::analysis);
+  enroll_stage("synthesis/reorder", &stages::synthesis_reorder, &stages::synthesis);
+  enroll_stage("synthesis/transform", &stages::transform, &stages::synthesis);
+  enroll_stage("synthesis/window-and-fold", &stages::synthesis_window, &stages::synthesis);
 }
 
 // ---- MFB ----------------------------------------------------------------------
@@ -182,11 +181,9 @@ void enroll_parts() {
 // Several channels in one record.
 struct mfb {
   explicit mfb(uint32_t channels) : count(channels), subbands(channels) {
-    for (uint32_t s = 0; s < slots; ++s) {
+    for (uint32_t s = 0; s < slots; ++s)
       for (band_slots &b : subbands) in_bands.push_back(b.pointers[s]);
-      of_slots.push_back(nullptr);
-    }
-    for (uint32_t s = 0; s < slots; ++s) of_slots[s] = in_bands.data() + s * count;
+    for (uint32_t s = 0; s < slots; ++s) of_slots.push_back(in_bands.data() + s * count);
   }
   mfb(const mfb &) = delete;
 
@@ -216,14 +213,14 @@ struct mfb {
 struct audio {
   audio(uint32_t channels, bench::placed<float> material) : x(std::move(material)) {
     for (uint32_t s = 0; s < slots; ++s)
-      for (uint32_t c = 0; c < channels; ++c) slot.push_back(channel(c) + s * bands);
-    for (uint32_t s = 0; s < slots; ++s) of_slots.push_back(slot.data() + s * channels);
+      for (uint32_t c = 0; c < channels; ++c) in_channels.push_back(channel(c) + s * bands);
+    for (uint32_t s = 0; s < slots; ++s) of_slots.push_back(in_channels.data() + s * channels);
   }
   audio(const audio &) = delete;
   float *channel(uint32_t c) { return x.data() + c * samples; }
 
   bench::placed<float> x;
-  std::vector<float *> slot;
+  std::vector<float *> in_channels;
   std::vector<float **> of_slots;
 };
 
@@ -263,9 +260,9 @@ void enroll_mfb(const half &h, uint32_t channels) {
   });
 }
 
-const bool enrolled = [] {
+[[maybe_unused]] const bool enrolled = [] {
   enroll_qmf();
-  enroll_parts();
+  enroll_stages();
   for (const half &h :
        {half{"", true, true}, half{"-analysis", true, false}, half{"-synthesis", false, true}})
     for (const uint32_t channels : {1, 8}) enroll_mfb(h, channels);

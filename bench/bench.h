@@ -20,11 +20,25 @@
 #include <string>
 #include <vector>
 
+// Has a value in a vector register where it stands, whatever an optimiser would make of it.
+#if defined(__x86_64__)
+#define KEEP_IN_REGISTER(value) asm volatile("" : "+x"(value))
+#elif defined(__aarch64__)
+#define KEEP_IN_REGISTER(value) asm volatile("" : "+w"(value))
+#endif
+
 namespace bench {
 
 template <class Run>
 void enroll(const std::string &name, Run run) {
   benchmark::RegisterBenchmark(name.c_str(), run);
+}
+
+// Reports the time that one sample took of those that all iterations have made.
+inline void report_samples(benchmark::State &state, std::size_t samples) {
+  using benchmark::Counter;
+  state.counters["per_sample"] =
+      Counter(static_cast<double>(samples), Counter::kIsRate | Counter::kInvert);
 }
 
 // Calls step() over and over, which returns how many samples it has made, and
@@ -37,9 +51,7 @@ void repeat(benchmark::State &state, Step step) {
     samples += step();
     benchmark::ClobberMemory();
   }
-  using benchmark::Counter;
-  state.counters["per_sample"] =
-      Counter(static_cast<double>(samples), Counter::kIsRate | Counter::kInvert);
+  report_samples(state, samples);
 }
 
 // States how many of an operation, which is a benchmark "floor/" + operation, a sample

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <span>
+#include <string_view>
 
 namespace bench {
 
@@ -14,11 +15,12 @@ float *copy_block(float *y, const float *x);
 float *copy(float *y, const float *x, std::size_t n);
 
 // An implementation of a kernel of VOLK's, to be called as what VOLK's header
-// declares the kernel to be.
+// declares the kernel to be. Its name ends with the instruction sets that it needs.
 struct volk_form {
   const char *kernel, *name;
-  bool needs_avx512;
   void (*function)();
+
+  bool needs_avx512() const { return std::string_view(name).ends_with("avx512f"); }
 };
 
 // All that the processor can run; none if the benchmark is built without VOLK.

@@ -1,9 +1,10 @@
 """Charts of the performance report: ratios of times, beside their goals."""
 
-import os
-import tempfile
+import io
 
 import matplotlib
+
+import files
 
 matplotlib.use("svg")
 matplotlib.rcParams.update({
@@ -33,17 +34,10 @@ def _figure(rows, labels, caption):
 
 
 def _save(figure, path):
-    handle, temporary = tempfile.mkstemp(dir=path.parent, prefix=path.name)
-    try:
-        with os.fdopen(handle, "wb") as file:
-            figure.savefig(file, format="svg", metadata={"Date": None})
-        os.chmod(temporary, 0o644)
-        os.replace(temporary, path)
-    except BaseException:
-        os.unlink(temporary)
-        raise
-    finally:
-        pyplot.close(figure)
+    picture = io.StringIO()
+    figure.savefig(picture, format="svg", metadata={"Date": None})
+    pyplot.close(figure)
+    files.write_atomically(path, picture.getvalue())
 
 
 def goals(path, verdicts):

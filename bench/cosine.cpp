@@ -1,7 +1,5 @@
 // Cosine transforms beside FFTW's, and beside the complex transform that is in them.
-#include <cstddef>
 #include <cstdint>
-#include <functional>
 #include <string>
 
 #include "bench/callees.h"
@@ -49,8 +47,7 @@ transform of_library(F *f, const dct &d) {
 }
 
 void enroll(const dct &d) {
-  const auto contender = [&](const std::string &type, const char *who,
-                             std::function<transform()> make) {
+  const auto contender = [&](const std::string &type, const char *who, const bench::maker &make) {
     bench::enroll_batches("dct/" + type + "/" + std::to_string(d.n) + "/" + who, d.n, d.n, make);
   };
   contender("II", "library", [d] { return of_library(mvk_dctII_unscaled, d); });
@@ -72,7 +69,7 @@ void enroll(const dct &d) {
 #endif
 }
 
-const bool enrolled = [] {
+[[maybe_unused]] const bool enrolled = [] {
   for (const dct &d : lengths) enroll(d);
   return true;
 }();

@@ -6,10 +6,8 @@
 #if defined(__x86_64__)
 #include <immintrin.h>
 #pragma GCC target("avx2,fma")
-#define KEEP_IN_REGISTER(value) asm volatile("" : "+x"(value))
 #elif defined(__aarch64__)
 #include <arm_neon.h>
-#define KEEP_IN_REGISTER(value) asm volatile("" : "+w"(value))
 #endif
 
 #ifdef KEEP_IN_REGISTER

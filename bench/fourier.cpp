@@ -1,8 +1,6 @@
 // Fourier transforms beside FFTW and KissFFT: complex ones of both families, and real ones.
 // A "sample" is a point of a complex transform and a sample of a real one.
-#include <cstddef>
 #include <cstdint>
-#include <functional>
 #include <memory>
 #include <string>
 #include <utility>
@@ -21,8 +19,8 @@ namespace {
 #ifdef MVK_BENCH_FFTW
 using bench::of_fftw;
 #endif
+using bench::maker;
 using bench::transform;
-using maker = std::function<transform()>;
 
 // ---- Complex ------------------------------------------------------------------
 
@@ -92,16 +90,17 @@ void enroll_best(const std::string &family, uint32_t n) {
 // `n` samples through the front end. The packed spectrum has no pair beyond them, FFTW's has.
 void enroll_real(uint32_t n) {
   const std::string name = "real-fft/" + std::to_string(n) + "/";
-  const auto contender = [&](const char *who, std::function<transform()> make) {
+  const auto contender = [&](const char *who, const maker &make) {
     bench::enroll_batches(name + who, n + 2, n, make);
   };
   contender("library", [n] {
     struct engine {
-      alignas(8) char memory[47];
+      std::vector<char> memory;
       mvk_fft_state *state;
     };
     const auto e = std::make_shared<engine>();
-    e->state = MVK_fft_init(e->memory, n / 2, MVK_FFT_CLFWD_UNSCALEDL);
+    e->memory.resize(MVK_fft_state_query_mem(n / 2, MVK_FFT_CLFWD_UNSCALEDL));
+    e->state = MVK_fft_init(e->memory.data(), n / 2, MVK_FFT_CLFWD_UNSCALEDL);
     return transform([e](float *dst, float *src) { MVK_fft_CLfwd_unscaledL(e->state, dst, src); });
   });
 #ifdef MVK_BENCH_FFTW
@@ -118,7 +117,7 @@ void enroll_real(uint32_t n) {
 #endif
 }
 
-const bool enrolled = [] {
+[[maybe_unused]] const bool enrolled = [] {
   for (uint32_t n = 64; n <= 4096; n *= 2) {
     enroll_best("fft", n);
     enroll_complex("fft-exact", n,

@@ -1,7 +1,6 @@
 // Kernels over blocks of 32 samples, beside a copy of each block that they read.
 #include <array>
 #include <cstddef>
-#include <cstdint>
 #include <string>
 #include <utility>
 

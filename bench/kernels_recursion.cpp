@@ -115,9 +115,7 @@ void enroll_state_space() {
 
   // Two updates a sample of output, as in v1.
   enroll("blk_Liir2ssv1_dsmpL", {{"mul", 2}, {"fma", 4}}, mvk_blk_Liir2ssv1_dsmpL_flex,
-         [s = std::array<float, 2>{}](auto f, float *y, const float *x) mutable {
-           f(y, x, turn, s.data());
-         });
+         filter(turn));
   // One update a sample of output, of which every other lacks the input and one fused.
   enroll("blk_Liir2ssv1_usmpL", {{"mul", 1}, {"fma", 1.5}}, mvk_blk_Liir2ssv1_usmpL_flex,
          filter(turn), 2 * block_size);

@@ -22,7 +22,7 @@ void volk(const std::string &family_case, const std::string &kernel, Call call) 
   for (const bench::volk_form &form : bench::volk_forms())
     if (form.kernel == kernel)
       bench::enroll_vector(
-          family_case, std::string(form.needs_avx512 ? "volk-avx512:" : "volk-avx:") + form.name,
+          family_case, std::string(form.needs_avx512() ? "volk-avx512:" : "volk-avx:") + form.name,
           reinterpret_cast<Kernel>(form.function), call);
 }
 

@@ -1,9 +1,7 @@
 // The limiter, limiting all the time, beside a copy of the same memory and beside a
 // limiter written sample by sample.
 #include <cstddef>
-#include <cstdint>
 #include <string>
-#include <vector>
 
 #include "bench/callees.h"
 #include "bench/kernels.h"
@@ -100,7 +98,7 @@ void enroll_gain() {
   });
 }
 
-const bool enrolled = [] {
+[[maybe_unused]] const bool enrolled = [] {
   for (const layout &l : layouts)
     for (const unsigned sub_block : sub_blocks) enroll_signal(l, sub_block);
   enroll_gain();

@@ -19,9 +19,6 @@
 
 #if defined(__x86_64__)
 #pragma GCC target("fma")
-#define KEEP_IN_REGISTER(value) asm volatile("" : "+x"(value))
-#elif defined(__aarch64__)
-#define KEEP_IN_REGISTER(value) asm volatile("" : "+w"(value))
 #endif
 
 namespace {

@@ -19,10 +19,13 @@ namespace bench {
 // From src to dst, n floats each. src may be overwritten.
 using transform = std::function<void(float *dst, float *src)>;
 
+// Makes a transform and what it needs, ahead of what is timed.
+using maker = std::function<transform()>;
+
 // Times batches of transforms over prepared inputs, which fill half of a first cache of 32 KiB
 // as far as they fit, and are made anew between the batches.
 inline void enroll_batches(const std::string &name, std::size_t floats, std::size_t samples,
-                           std::function<transform()> make) {
+                           maker make) {
   benchmark::RegisterBenchmark(name.c_str(), [=](benchmark::State &state) {
     const std::size_t step = (floats + 15) & ~std::size_t{15};  // whole cache lines
     const std::size_t batch = std::max<std::size_t>(4, 4096 / step);
@@ -42,9 +45,7 @@ inline void enroll_batches(const std::string &name, std::size_t floats, std::siz
       state.SetIterationTime(time.count());
       done += batch * samples;
     }
-    using benchmark::Counter;
-    state.counters["per_sample"] =
-        Counter(static_cast<double>(done), Counter::kIsRate | Counter::kInvert);
+    bench::report_samples(state, done);
   })->UseManualTime();
 }
 

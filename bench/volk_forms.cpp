@@ -34,34 +34,33 @@
 #include <volk/volk_32fc_x2_multiply_conjugate_32fc.h>
 #pragma GCC pop_options
 
-#define FORM(kernel, name, needs_avx512) \
-  { #kernel, #name, needs_avx512, reinterpret_cast < void (*)()>(volk_##kernel##_##name) }
+#define FORM(kernel, name) \
+  { #kernel, #name, reinterpret_cast < void (*)()>(volk_##kernel##_##name) }
 // For data at any address, and for aligned data.
-#define FORMS(kernel, extension, needs_avx512) \
-  FORM(kernel, u_##extension, needs_avx512), FORM(kernel, a_##extension, needs_avx512)
+#define FORMS(kernel, extension) FORM(kernel, u_##extension), FORM(kernel, a_##extension)
 
 static std::vector<bench::volk_form> runnable_forms() {
   std::vector<bench::volk_form> forms = {
-      FORMS(32f_index_max_32u, avx, false),
-      FORMS(32f_s32f_multiply_32f, avx, false),
-      FORMS(32f_x2_add_32f, avx, false),
-      FORMS(32f_x2_add_32f, avx512f, true),
-      FORMS(32f_x2_dot_prod_32f, avx, false),
-      FORMS(32f_x2_dot_prod_32f, avx2_fma, false),
-      FORMS(32f_x2_dot_prod_32f, avx512f, true),
-      FORMS(32f_x2_multiply_32f, avx, false),
-      FORMS(32f_x2_multiply_32f, avx512f, true),
-      FORMS(32f_x2_subtract_32f, avx, false),
-      FORMS(32f_x2_subtract_32f, avx512f, true),
-      FORM(32fc_32f_multiply_32fc, a_avx, false),
-      FORMS(32fc_magnitude_squared_32f, avx, false),
-      FORMS(32fc_x2_divide_32fc, avx, false),
-      FORMS(32fc_x2_multiply_32fc, avx, false),
-      FORMS(32fc_x2_multiply_32fc, avx2_fma, false),
-      FORMS(32fc_x2_multiply_conjugate_32fc, avx, false),
+      FORMS(32f_index_max_32u, avx),
+      FORMS(32f_s32f_multiply_32f, avx),
+      FORMS(32f_x2_add_32f, avx),
+      FORMS(32f_x2_add_32f, avx512f),
+      FORMS(32f_x2_dot_prod_32f, avx),
+      FORMS(32f_x2_dot_prod_32f, avx2_fma),
+      FORMS(32f_x2_dot_prod_32f, avx512f),
+      FORMS(32f_x2_multiply_32f, avx),
+      FORMS(32f_x2_multiply_32f, avx512f),
+      FORMS(32f_x2_subtract_32f, avx),
+      FORMS(32f_x2_subtract_32f, avx512f),
+      FORM(32fc_32f_multiply_32fc, a_avx),
+      FORMS(32fc_magnitude_squared_32f, avx),
+      FORMS(32fc_x2_divide_32fc, avx),
+      FORMS(32fc_x2_multiply_32fc, avx),
+      FORMS(32fc_x2_multiply_32fc, avx2_fma),
+      FORMS(32fc_x2_multiply_conjugate_32fc, avx),
   };
   if (!__builtin_cpu_supports("avx512f"))
-    std::erase_if(forms, [](const bench::volk_form &form) { return form.needs_avx512; });
+    std::erase_if(forms, [](const bench::volk_form &form) { return form.needs_avx512(); });
   return forms;
 }
 #else

@@ -6,6 +6,7 @@
 #include <cstring>
 #include <limits>
 #include <memory>
+#include <vector>
 
 #include "acli.h"
 #include "require.h"
@@ -65,6 +66,9 @@ void Process(acli_instance *instance, uint32_t direction, FuzzedDataProvider &da
   if (status == ACLI_OK) {
     Require(served && in.params != nullptr && direction <= ACLI_DIR_DOWN,
             "refuses what it can't serve");
+    const uint64_t frame_bytes = uint64_t{in.bits_per_sample / 8} * channels;
+    Require(frame_bytes == 0 || in.size / frame_bytes <= (up ? kFrames / factor : kFrames),
+            "takes no more than a block");
     Require(out.size == (up ? in.size * factor : in.size / factor), "tells the bytes it produced");
     Require(out.rate == (up ? in.rate * factor : in.rate / factor), "scales the rate");
   } else {

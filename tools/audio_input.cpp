@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstdint>
@@ -77,6 +78,12 @@ bool ends_early(const AudioInput &input) {
   return false;
 }
 
+void note_early_end(const AudioInput &input, const std::string &participle) {
+  if (!ends_early(input)) return;
+  complain("note: " + input.name + " ends before the length in its header; what is there gets " +
+           participle);
+}
+
 sf_count_t read_frames(const AudioInput &input, float *samples, sf_count_t frames) {
   return sf_readf_float(input.file.get(), samples, frames);
 }
@@ -96,12 +103,24 @@ void check_complete(const AudioInput &input, sf_count_t frames) {
   }
   // A stream written without seeking, such as FLAC from a pipe, has no length;
   // damage to its end shows as one without any frames.
-  if (input.info.frames == SF_COUNT_MAX) {
+  if (!has_length(input)) {
     if (frames == 0) fail(input.name + " gives no audio; it is cut off or damaged");
   } else if (frames < input.info.frames) {
     fail(input.name + " ends after " + std::to_string(frames) + " of " +
          std::to_string(input.info.frames) + " frames; it is cut off or damaged");
   }
+}
+
+AudioBlocks::AudioBlocks(const AudioInput &audio, std::size_t frames)
+    : input(audio), samples(frames * static_cast<std::size_t>(audio.info.channels)) {}
+
+void AudioBlocks::next(sf_count_t most) {
+  got = ended ? 0 : read_frames(input, samples.data(), most);
+  read += got;
+  std::fill(samples.begin() + got * input.info.channels, samples.end(), 0.0F);
+  if (got == most || ended) return;
+  check_complete(input, read);
+  ended = true;
 }
 
 }  // namespace mvk

@@ -5,7 +5,7 @@
 #include <sndfile.h>
 
 #include <cstdint>
-#include <memory>
+#include <string>
 #include <vector>
 
 #include "audio_input.h"

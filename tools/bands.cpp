@@ -14,8 +14,8 @@
 #include "audio_output.h"
 #include "choice.h"
 #include "commands.h"
-#include "component.h"
 #include "filter_bank.h"
+#include "library.h"
 #include "messages.h"
 #include "output_file.h"
 #include "plot.h"
@@ -84,14 +84,11 @@ void picture(const Options &options, unsigned bands) {
   const Library library(files.library);
   BandLevels levels(library, bands, input.info.channels);
   OutputFile file(files.out);
-  if (!files.quiet && ends_early(input)) {
-    complain("note: " + input.name +
-             " ends before the length in its header; what is there gets analysed");
-  }
+  if (!files.quiet) note_early_end(input, "analysed");
   const double width = input.info.samplerate / 2000.0 / bands;  // in kHz
   char method[64];
   std::snprintf(method, sizeof method, "%u subbands, each %.4g Hz wide", bands, 1000.0 * width);
-  Progress progress = progress_through(input, files, "analysing");
+  Progress progress = progress_through(input, files.quiet, "analysing");
   const Analysed analysed =
       draw_levels(input, levels, method, {0.0, width, bands}, file, files.out, progress);
   if (analysed.frames == 0) fail(input.name + " holds no audio; there is nothing to show");
@@ -158,38 +155,30 @@ struct Report {
 Report run(const AudioInput &input, RoundTrip &banks, AudioOutput &output, Progress progress) {
   const auto channels = static_cast<std::size_t>(input.info.channels);
   const auto block = static_cast<sf_count_t>(banks.block());
-  std::vector<float> samples(banks.block() * channels);
+  AudioBlocks in(input, banks.block());
   std::vector<float> awaited;  // input whose output hasn't come yet
-  bool ended = false;
-  sf_count_t read = 0;
   sf_count_t written = 0;
   sf_count_t early = banks.delay();  // frames still to leave out
   Report report;
-  while (!ended || written < read) {
-    const sf_count_t got = ended ? 0 : read_frames(input, samples.data(), block);
-    read += got;
-    if (got < block && !ended) {
-      check_complete(input, read);
-      ended = true;
-    }
-    const auto end = samples.begin() + got * input.info.channels;
-    std::fill(end, samples.end(), 0.0F);
-    report.silenced += silence_unusable({samples.begin(), end});
-    awaited.insert(awaited.end(), samples.begin(), end);
-    banks.process(samples.data());
+  while (!in.ended || written < in.read) {
+    in.next(block);
+    const auto end = in.samples.begin() + in.got * input.info.channels;
+    report.silenced += silence_unusable({in.samples.begin(), end});
+    awaited.insert(awaited.end(), in.samples.begin(), end);
+    banks.process(in.samples.data());
 
     const sf_count_t begin = std::min(early, block);
     early -= begin;
-    const sf_count_t frames = std::min(block - begin, read - written);
+    const sf_count_t frames = std::min(block - begin, in.read - written);
     if (frames > 0) {
-      const float *audio = samples.data() + static_cast<std::size_t>(begin) * channels;
+      const float *audio = in.samples.data() + static_cast<std::size_t>(begin) * channels;
       const std::size_t count = static_cast<std::size_t>(frames) * channels;
       report.add(awaited.data(), audio, count);
       awaited.erase(awaited.begin(), awaited.begin() + static_cast<std::ptrdiff_t>(count));
       output.write(audio, frames);
       written += frames;
     }
-    progress.show(static_cast<uint64_t>(read));
+    progress.show(static_cast<uint64_t>(in.read));
   }
   return report;
 }
@@ -216,7 +205,7 @@ void roundtrip(const Options &options, unsigned bands) {
   RoundTrip banks(library, bands, input.info.channels);
   Transfer transfer(input, files, input.info.samplerate, input.info.frames, "processed");
   const Report report =
-      run(input, banks, transfer.output(), progress_through(input, files, "processing"));
+      run(input, banks, transfer.output(), progress_through(input, files.quiet, "processing"));
   transfer.commit();
   if (!files.quiet) {
     print_report(report, banks.delay(), options, input.info.samplerate);

@@ -4,10 +4,10 @@
 
 namespace mvk {
 
-std::string listed(std::span<const int> numbers) {
+std::string listed(std::span<const int> numbers, const std::string &last_word) {
   std::string list;
   for (std::size_t i = 0; i < numbers.size(); ++i) {
-    if (i > 0) list += i + 1 < numbers.size() ? ", " : " or ";
+    if (i > 0) list += i + 1 < numbers.size() ? ", " : " " + last_word + " ";
     list += std::to_string(numbers[i]);
   }
   return list;

@@ -7,8 +7,8 @@
 
 namespace mvk {
 
-/* "8, 16 or 32". */
-std::string listed(std::span<const int> numbers);
+/* "8, 16 or 32", or with another last word. */
+std::string listed(std::span<const int> numbers, const std::string &last_word = "or");
 
 /* The number among `choices` that `text` is. Refuses any other `option`, listing the
  * choices with their `unit`. */

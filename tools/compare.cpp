@@ -1,7 +1,7 @@
 /* mvk compare: how far two audio files are apart. */
 #include <algorithm>
 #include <cmath>
-#include <cstdint>
+#include <cstddef>
 #include <cstdio>
 #include <memory>
 #include <string>
@@ -57,8 +57,8 @@ void add_to(Difference &difference, const std::vector<double> &a, const std::vec
             sf_count_t frames, int channels) {
   for (sf_count_t i = 0; i < frames * channels; ++i) {
     const double gap = std::fabs(a[static_cast<std::size_t>(i)] - b[static_cast<std::size_t>(i)]);
-    // A NaN is a difference that no number measures; it must not pass unseen.
-    if (gap > difference.peak || std::isnan(gap)) {
+    // The first NaN stays: no number measures that difference, and it must not pass unseen.
+    if (!(gap <= difference.peak) && !std::isnan(difference.peak)) {
       difference.peak = gap;
       difference.peak_frame = difference.frames + i / channels;
       difference.peak_channel = static_cast<int>(i % channels) + 1;

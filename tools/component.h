@@ -1,38 +1,13 @@
-/* The resampling component, loaded as an audio host loads it. */
+/* The resampling component, called as an audio host calls it. */
 #ifndef MVK_TOOLS_COMPONENT_H
 #define MVK_TOOLS_COMPONENT_H
 
 #include <cstddef>
 #include <cstdint>
-#include <string>
-#include <vector>
 
 #include "acli.h"
 
 namespace mvk {
-
-/* A shared library. It stays loaded until the program ends: libraries beneath
- * it don't give back all that they hold when they are unloaded. */
-class Library {
- public:
-  /* An empty path stands for the installed library. */
-  explicit Library(const std::string &path);
-
-  /* The address of an exported name. */
-  template <typename Type>
-  Type *find(const char *name) const {
-    return reinterpret_cast<Type *>(find_symbol(name));
-  }
-
-  /* The component's record, its tag, version and slots checked. */
-  const acli_component &component() const;
-
- private:
-  void *find_symbol(const char *name) const;
-
-  std::string name_;
-  void *handle_;
-};
 
 /* One change of rate. */
 struct Conversion {
@@ -45,7 +20,7 @@ std::size_t block_frames_in(Conversion conversion);
 std::size_t block_frames_out(Conversion conversion);
 
 /* Output frames by which the component delays the audio: where the filter's
- * centre lies. Going up by 4 that is one more than the component reports. */
+ * centre lies. Going up by 4 that is one more than the library tells. */
 std::size_t latency(Conversion conversion);
 
 /* An instance of the component, fed with whole blocks of interleaved audio. */

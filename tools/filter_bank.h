@@ -6,7 +6,7 @@
 #include <cstddef>
 #include <vector>
 
-#include "component.h"
+#include "library.h"
 #include "mvk_qmf.h"
 
 namespace mvk {

@@ -3,7 +3,6 @@
 #ifndef MVK_TOOLS_FORMATS_H
 #define MVK_TOOLS_FORMATS_H
 
-#include <optional>
 #include <span>
 #include <string>
 #include <string_view>

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "commands.h"
-#include "component.h"
+#include "library.h"
 #include "messages.h"
 #include "orvane_resampler.h"
 

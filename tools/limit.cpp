@@ -13,7 +13,7 @@
 #include "audio_input.h"
 #include "audio_output.h"
 #include "commands.h"
-#include "component.h"
+#include "library.h"
 #include "limiter.h"
 #include "messages.h"
 #include "progress.h"
@@ -131,33 +131,10 @@ void print_report(const Report &report, const Options &options, int rate) {
 
 // ---- Limiting ----
 
-// Audio by sub-blocks, and then silence.
-struct SubBlocks {
-  SubBlocks(const AudioInput &audio, unsigned frames)
-      : input(audio),
-        samples(std::size_t{frames} * static_cast<std::size_t>(audio.info.channels)) {}
-
-  // At most `most` frames of audio.
-  void next(sf_count_t most) {
-    got = ended ? 0 : read_frames(input, samples.data(), most);
-    read += got;
-    std::fill(samples.begin() + got * input.info.channels, samples.end(), 0.0F);
-    if (got == most || ended) return;
-    check_complete(input, read);
-    ended = true;
-  }
-
-  const AudioInput &input;
-  std::vector<float> samples;
-  sf_count_t got = 0;   // frames of audio in it
-  sf_count_t read = 0;  // in all
-  bool ended = false;
-};
-
 // Pushes the whole input through the limiter, followed by silence until its last
 // sample has come out, and leaves out the delay. A gain that comes with a sub-block of
 // input is reached where that sub-block begins to leave.
-Report run(SubBlocks &in, SubBlocks *detect, Limiter &limiter, float peak, AudioOutput &output,
+Report run(AudioBlocks &in, AudioBlocks *detect, Limiter &limiter, float peak, AudioOutput &output,
            Progress progress) {
   const int channels = in.input.info.channels;
   const auto sub_block = static_cast<sf_count_t>(in.samples.size()) / channels;
@@ -220,11 +197,12 @@ void limit(const Options &options) {
       {input.name, input.info.samplerate, input.info.channels, detect ? detect->info.channels : 0});
   Transfer transfer(input, options.files, input.info.samplerate, input.info.frames, "limited");
 
-  SubBlocks in(input, options.sub_block);
-  std::optional<SubBlocks> deciding;
+  AudioBlocks in(input, options.sub_block);
+  std::optional<AudioBlocks> deciding;
   if (detect) deciding.emplace(*detect, options.sub_block);
-  const Report report = run(in, deciding ? &*deciding : nullptr, limiter, settings.peak,
-                            transfer.output(), progress_through(input, options.files, "limiting"));
+  const Report report =
+      run(in, deciding ? &*deciding : nullptr, limiter, settings.peak, transfer.output(),
+          progress_through(input, options.files.quiet, "limiting"));
   transfer.commit();
   if (options.files.quiet) return;
   print_report(report, options, input.info.samplerate);

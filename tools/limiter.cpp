@@ -3,13 +3,14 @@
 #include <cmath>
 #include <utility>
 
+#include "choice.h"
 #include "messages.h"
 
 namespace mvk {
 namespace {
 
-constexpr unsigned kLongestSubBlock = 4096;  // that is tried
-constexpr unsigned kHighestRate = 384000;
+constexpr int kLongestSubBlock = 4096;  // that is tried
+constexpr int kHighestRate = 384000;
 
 // A state in `memory`, or null for a sub-block that there is none of.
 orvane_ht_ztlim_state *make_state(const LimiterFunctions &functions, std::vector<char> &memory,
@@ -18,27 +19,18 @@ orvane_ht_ztlim_state *make_state(const LimiterFunctions &functions, std::vector
   return functions.init(channels, sub_block, memory.data(), nullptr);
 }
 
-// "1, 2 and 3"
-std::string listed(const std::vector<unsigned> &numbers, const std::string &last_word) {
-  std::string list;
-  for (std::size_t i = 0; i < numbers.size(); ++i) {
-    if (i > 0) list += i + 1 < numbers.size() ? ", " : " " + last_word + " ";
-    list += std::to_string(numbers[i]);
-  }
-  return list;
-}
-
 // The rates of every sub-block, one line for those that have them in common. The
 // library doesn't name them, but tells for each whether it serves it.
 std::string choices(const LimiterFunctions &functions) {
   std::vector<char> memory;
-  std::vector<std::pair<std::vector<unsigned>, std::vector<unsigned>>> rows;
-  for (unsigned sub_block = 1; sub_block <= kLongestSubBlock; ++sub_block) {
-    orvane_ht_ztlim_state *state = make_state(functions, memory, 0, sub_block);
+  std::vector<std::pair<std::vector<int>, std::vector<int>>> rows;
+  for (int sub_block = 1; sub_block <= kLongestSubBlock; ++sub_block) {
+    orvane_ht_ztlim_state *state =
+        make_state(functions, memory, 0, static_cast<unsigned>(sub_block));
     if (state == nullptr) continue;
-    std::vector<unsigned> rates;
-    for (unsigned rate = 1; rate <= kHighestRate; ++rate) {
-      if (functions.set_sample_rate(state, rate) == 0) rates.push_back(rate);
+    std::vector<int> rates;
+    for (int rate = 1; rate <= kHighestRate; ++rate) {
+      if (functions.set_sample_rate(state, static_cast<unsigned>(rate)) == 0) rates.push_back(rate);
     }
     if (rows.empty() || rows.back().first != rates) rows.push_back({rates, {}});
     rows.back().second.push_back(sub_block);

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "component.h"
+#include "library.h"
 #include "orvane_ht_ztlim.h"
 
 namespace mvk {

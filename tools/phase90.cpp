@@ -12,7 +12,7 @@
 #include "audio_input.h"
 #include "audio_output.h"
 #include "commands.h"
-#include "component.h"
+#include "library.h"
 #include "messages.h"
 #include "progress.h"
 #include "transfer.h"
@@ -88,27 +88,19 @@ class PhaseShifters {
 void run(const AudioInput &input, PhaseShifters &shifters, AudioOutput &output, Progress progress) {
   const int channels = input.info.channels;
   const auto frame = static_cast<sf_count_t>(shifters.frame());
-  std::vector<float> samples(shifters.frame() * static_cast<std::size_t>(channels));
-  bool ended = false;
-  sf_count_t read = 0;
+  AudioBlocks in(input, shifters.frame());
   sf_count_t written = 0;
   sf_count_t early = kDelay;  // frames still to leave out
-  while (!ended || written < read) {
-    const sf_count_t got = ended ? 0 : read_frames(input, samples.data(), frame);
-    read += got;
-    std::fill(samples.begin() + got * channels, samples.end(), 0.0F);
-    if (got < frame && !ended) {
-      check_complete(input, read);
-      ended = true;
-    }
-    shifters.process(samples.data());
+  while (!in.ended || written < in.read) {
+    in.next(frame);
+    shifters.process(in.samples.data());
 
     const sf_count_t begin = std::min(early, frame);
     early -= begin;
-    const sf_count_t frames = std::min(frame - begin, read - written);
-    if (frames > 0) output.write(&samples[static_cast<std::size_t>(begin * channels)], frames);
+    const sf_count_t frames = std::min(frame - begin, in.read - written);
+    if (frames > 0) output.write(&in.samples[static_cast<std::size_t>(begin * channels)], frames);
     written += frames;
-    progress.show(static_cast<uint64_t>(read));
+    progress.show(static_cast<uint64_t>(in.read));
   }
 }
 
@@ -117,7 +109,7 @@ void phase90(const Options &options) {
   const Library library(options.files.library);
   PhaseShifters shifters(library, options.frame, input.info.channels);
   Transfer transfer(input, options.files, input.info.samplerate, input.info.frames, "shifted");
-  run(input, shifters, transfer.output(), progress_through(input, options.files, "shifting"));
+  run(input, shifters, transfer.output(), progress_through(input, options.files.quiet, "shifting"));
   transfer.commit();
   transfer.report_limits();
 }

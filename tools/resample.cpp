@@ -8,8 +8,10 @@
 
 #include "audio_input.h"
 #include "audio_output.h"
+#include "choice.h"
 #include "commands.h"
 #include "component.h"
+#include "library.h"
 #include "messages.h"
 #include "progress.h"
 #include "transfer.h"
@@ -34,12 +36,7 @@ std::string rates_from(int rate) {
   for (int factor : {2, 4}) {
     if (rate % factor == 0) rates.push_back(rate / factor);
   }
-  std::string list;
-  for (std::size_t i = 0; i < rates.size(); ++i) {
-    if (i > 0) list += i + 1 < rates.size() ? ", " : " or ";
-    list += std::to_string(rates[i]);
-  }
-  return list;
+  return listed(rates);
 }
 
 Conversion conversion_between(int from, int to, const std::string &name) {
@@ -110,7 +107,7 @@ void resample(const Options &options) {
   Resampler resampler(library.component(), conversion, input.info.samplerate, channels);
   const sf_count_t frames = has_length(input) ? frames_after(conversion, input.info.frames) : 0;
   Transfer transfer(input, options.files, options.rate, frames, "resampled");
-  const auto progress = [&] { return progress_through(input, options.files, "resampling"); };
+  const auto progress = [&] { return progress_through(input, options.files.quiet, "resampling"); };
 
   const sf_count_t drop = options.keep_latency ? 0 : static_cast<sf_count_t>(latency(conversion));
   const auto is_16_bit = [](int format) {

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "analysis.h"
-#include "component.h"
+#include "library.h"
 #include "mvk_fft.h"
 
 namespace mvk {

@@ -1,11 +1,11 @@
 /* mvk spectrum: the levels of a file's frequencies over time, as a picture or numbers. */
-#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <charconv>
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
+#include <iterator>
 #include <memory>
 #include <span>
 #include <string>
@@ -15,8 +15,8 @@
 #include "audio_input.h"
 #include "choice.h"
 #include "commands.h"
-#include "component.h"
 #include "files.h"
+#include "library.h"
 #include "messages.h"
 #include "output_file.h"
 #include "plot.h"
@@ -138,15 +138,8 @@ void spectrum(const Options &options) {
   const Library library(options.library);
   Spectrogram spectrogram(library, length, input.info.channels);
   OutputFile file(options.out);
-  if (!options.quiet && ends_early(input)) {
-    complain("note: " + input.name +
-             " ends before the length in its header; what is there gets analysed");
-  }
-  const auto progress = [&] {
-    return Progress("mvk: analysing",
-                    has_length(input) ? static_cast<uint64_t>(input.info.frames) : 0,
-                    !options.quiet);
-  };
+  if (!options.quiet) note_early_end(input, "analysed");
+  const auto progress = [&] { return progress_through(input, options.quiet, "analysing"); };
   const Analysed analysed = picture
                                 ? draw_picture(input, spectrogram, file, options.out, progress())
                                 : write_table(input, spectrogram, file, progress());

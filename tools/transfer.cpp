@@ -1,5 +1,7 @@
 #include "transfer.h"
 
+#include <cstdint>
+
 #include "format_choice.h"
 #include "formats.h"
 #include "messages.h"
@@ -53,10 +55,7 @@ Transfer::Transfer(const AudioInput &input, const FileOptions &options, int rate
     complain("note: " + format_name(info_.format) +
              " can't hold this layout of channels; they keep their order");
   }
-  if (ends_early(input)) {
-    complain("note: " + input.name + " ends before the length in its header; what is there gets " +
-             participle);
-  }
+  note_early_end(input, participle);
 }
 
 void Transfer::commit() {
@@ -77,10 +76,9 @@ void Transfer::report_limits() const {
   }
 }
 
-Progress progress_through(const AudioInput &input, const FileOptions &options,
-                          const std::string &title) {
+Progress progress_through(const AudioInput &input, bool quiet, const std::string &title) {
   const auto frames = has_length(input) ? static_cast<uint64_t>(input.info.frames) : 0;
-  return Progress("mvk: " + title, frames, !options.quiet);
+  return Progress("mvk: " + title, frames, !quiet);
 }
 
 }  // namespace mvk

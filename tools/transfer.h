@@ -5,7 +5,6 @@
 #include <sndfile.h>
 
 #include <CLI/CLI.hpp>
-#include <cstdint>
 #include <string>
 
 #include "audio_input.h"
@@ -56,12 +55,8 @@ class Transfer {
   AudioOutput output_;
 };
 
-/* Whether the file knows how long it is. */
-inline bool has_length(const AudioInput &input) { return input.info.frames != SF_COUNT_MAX; }
-
 /* Of reading a file, titled "mvk: `title`". */
-Progress progress_through(const AudioInput &input, const FileOptions &options,
-                          const std::string &title);
+Progress progress_through(const AudioInput &input, bool quiet, const std::string &title);
 
 }  // namespace mvk
 

@@ -152,7 +152,8 @@ def design(progress):
         weights = np.maximum(weights * (level / level.max()) ** 2, FLOOR * weights.max())
         weights /= np.mean(weights[:100])
         exactness *= np.sqrt(error / ERROR)
-    return {bands: table(best, bands) for bands in PEAKS}
+    # Without a best one the last is taken, of which the report says what it misses.
+    return {bands: table(spline if best is None else best, bands) for bands in PEAKS}
 
 
 def report(stored, bands):

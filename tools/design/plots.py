@@ -98,7 +98,7 @@ def draw_low_delay(figure, arrays):
 
 def draw_all(arrays, folder):
     pyplot.rcParams.update({
-        "svg.hashsalt": "prototypes",  # names of the pictures' parts, else random
+        "svg.hashsalt": "prototypes",  # names of the pictures' elements, else random
         "font.family": "DejaVu Sans",
         "font.size": 9,
         "svg.fonttype": "none",  # text stays text
