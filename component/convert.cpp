@@ -52,10 +52,8 @@ double to_float64(float x) { return x; }
 // before it is read.
 template <class From, class To>
 bool goes_by_chunks(strided src, strided dst, unsigned n) {
-  const auto from = reinterpret_cast<std::uintptr_t>(src.start);
-  const auto to = reinterpret_cast<std::uintptr_t>(dst.start);
-  const bool apart = to + n * dst.step <= from || from + n * src.step <= to;
-  return apart || (to <= from && dst.step <= src.step && sizeof(To) <= sizeof(From));
+  return mvk::are_apart(src, n, dst, n) ||
+         (dst.start <= src.start && dst.step <= src.step && sizeof(To) <= sizeof(From));
 }
 
 // Converts n samples in order. Arrays go at once; else chunks of samples are read,

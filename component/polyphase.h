@@ -80,13 +80,13 @@ template <int vectors>
 
 }  // namespace detail
 
-// The 256 samples of the higher rate: frame F i + F - 1 - p is F times phase p
-// over the window from i on.
+// The F n samples of the higher rate for n, a multiple of 32, of the lower: frame
+// F i + F - 1 - p is F times phase p over the window from i on.
 template <int F>
-inline void interpolate(float *y, const float *window, const float *const *phases) {
+inline void interpolate(float *y, const float *window, const float *const *phases, int n) {
   using namespace detail;
   constexpr int per_phase = registers / F;  // phase p has those from p * per_phase on
-  for (int i = 0; i < phase_samples<F>; i += 8 * per_phase) {
+  for (int i = 0; i < n; i += 8 * per_phase) {
     const auto lane = [&](int l) __attribute__((always_inline)) {
       const float *x = window + i;
       sums acc = zero();

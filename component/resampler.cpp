@@ -33,6 +33,7 @@ struct orvane_resampler {
 
 namespace {
 
+using mvk::are_apart;
 using mvk::as_array_of;
 using mvk::history_length;
 using mvk::is_array_of;
@@ -41,6 +42,7 @@ using mvk::strided;
 using mvk::window_length;
 
 constexpr std::size_t alignment = 32;
+constexpr int first_windows = 32;  // at least as many as the samples that a window looks back
 constexpr std::uint64_t arena_overhead = 20536;
 
 // The arena stays within the queried size wherever it starts: two alignments
@@ -88,13 +90,22 @@ void upsample(orvane_resampler &r, const orvane_stream_desc &in, const orvane_st
   constexpr int n = phase_samples<F>;
   for (unsigned c = 0; c < r.channels; ++c) {
     history &past = r.two_phases[c][0];
-    const strided x = float_channel(in, c);
+    const strided x = float_channel(in, c), y = float_channel(out, c);
+    // Only the first windows reach into the past. The others can lie in the input, unless it is
+    // written over while they are in use.
+    const bool in_input = is_array_of<float>(x) && are_apart(x, n, y, F * n);
+    const int copied = in_input ? first_windows : n;
     alignas(alignment) float window[window_length<F>];
     std::memcpy(window, past, sizeof past);
-    mvk::gather(window + history_length, x.start, x.step, n);
-    std::memcpy(past, window + n, sizeof past);
-    write_channel<F * n>(float_channel(out, c),
-                         [&](float *y) { mvk::interpolate<F>(y, window, phases<F>(r)); });
+    mvk::gather(window + history_length, x.start, x.step, copied);
+    std::memcpy(past, in_input ? as_array_of<float>(x) + n - history_length : window + n,
+                sizeof past);
+    write_channel<F * n>(y, [&](float *to) {
+      mvk::interpolate<F>(to, window, phases<F>(r), copied);
+      if (in_input)
+        mvk::interpolate<F>(to + F * copied, as_array_of<float>(x) + copied - history_length,
+                            phases<F>(r), n - copied);
+    });
   }
 }
 

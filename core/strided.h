@@ -28,6 +28,13 @@ inline T *as_array_of(strided samples) {
   return reinterpret_cast<T *>(samples.start);
 }
 
+// n of `a`, gaps included, share no memory with m of `b`.
+inline bool are_apart(strided a, std::size_t n, strided b, std::size_t m) {
+  const auto from = reinterpret_cast<std::uintptr_t>(a.start);
+  const auto to = reinterpret_cast<std::uintptr_t>(b.start);
+  return to + m * b.step <= from || from + n * a.step <= to;
+}
+
 // Lane k = the float at p + k * step bytes.
 template <class V>
 inline V load_strided(const char *p, std::size_t step) {
