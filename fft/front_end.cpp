@@ -90,32 +90,19 @@ void MVK_fft_CLinv_unscaledCL(const mvk_fft_state *state, float *out, float *in)
 
 // ---- Real ---------------------------------------------------------------------
 
-namespace {
-
-template <bool scaled>
-void to_packed(float *z, uint32_t n) {
-  convert_bins<to_spectrum<rounding::with_state, scaled>>(z, n, quarter_sine(n));
-}
-template <bool scaled>
-void from_packed(float *x, uint32_t n) {
-  convert_bins<from_spectrum<rounding::with_state, scaled>>(x, n, quarter_sine(n));
-}
-
-}  // namespace
-
 void MVK_fft_CLfwd_scaledL(const mvk_fft_state *state, float *out, float *in) {
   state->fwd_scl(out, in, in);
-  to_packed<true>(out, state->n);
+  to_packed<rounding::with_state, true>(out, state->n);
 }
 void MVK_fft_CLfwd_unscaledL(const mvk_fft_state *state, float *out, float *in) {
   state->fwd_usc(out, in, in);
-  to_packed<false>(out, state->n);
+  to_packed<rounding::with_state, false>(out, state->n);
 }
 void MVK_fft_Linv_scaledCL(const mvk_fft_state *state, float *out, float *in) {
-  from_packed<true>(in, state->n);
+  from_packed<rounding::with_state, true>(in, state->n);
   state->inv_scl(out, in, in);
 }
 void MVK_fft_Linv_unscaledCL(const mvk_fft_state *state, float *out, float *in) {
-  from_packed<false>(in, state->n);
+  from_packed<rounding::with_state, false>(in, state->n);
   state->inv_usc(out, in, in);
 }

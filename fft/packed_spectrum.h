@@ -133,4 +133,13 @@ inline void convert_bins(float *z, std::size_t n, const float *sine) {
 // sin(pi k / n) for k from 1 to n / 2 - 1; null for n = 2, which has none.
 const float *quarter_sine(std::size_t n);
 
+template <rounding R, bool scaled>
+inline void to_packed(float *z, std::size_t n) {
+  convert_bins<to_spectrum<R, scaled>>(z, n, quarter_sine(n));
+}
+template <rounding R, bool scaled>
+inline void from_packed(float *x, std::size_t n) {
+  convert_bins<from_spectrum<R, scaled>>(x, n, quarter_sine(n));
+}
+
 }  // namespace mvk

@@ -10,15 +10,6 @@ using namespace mvk;
 
 namespace {
 
-template <bool scaled>
-void to_packed(float *z, uint32_t n) {
-  convert_bins<to_spectrum<rounding::without_state, scaled>>(z, n, quarter_sine(n));
-}
-template <bool scaled>
-void from_packed(float *x, uint32_t n) {
-  convert_bins<from_spectrum<rounding::without_state, scaled>>(x, n, quarter_sine(n));
-}
-
 void run(mvk_fft_kernel *kernel, float *dst, float *src, uint32_t n) {
   if (kernel) kernel(dst, src, n);
 }
@@ -34,28 +25,28 @@ void transform_halves(const float *a, const float *b, float *dst, uint32_t n) {
 
 void MVK_r4_rfft_nn(float *src, float *dst, uint32_t n) {
   run(MVK_r4_cplx_fwd_unscaled(n), dst, src, n);
-  to_packed<false>(dst, n);
+  to_packed<rounding::without_state, false>(dst, n);
 }
 void MVK_r4_rfft_nn_s(float *src, float *dst, uint32_t n) {
   run(MVK_r4_cplx_fwd_scaled(n), dst, src, n);
-  to_packed<true>(dst, n);
+  to_packed<rounding::without_state, true>(dst, n);
 }
 
 void MVK_r4_rsplit_fft_nn(const float *a, const float *b, float *dst, uint32_t n) {
   transform_halves(a, b, dst, n);
-  to_packed<false>(dst, n);
+  to_packed<rounding::without_state, false>(dst, n);
 }
 void MVK_r4_rsplit_fft_nn_s(const float *a, const float *b, float *dst, uint32_t n) {
   transform_halves(a, b, dst, n);
-  to_packed<true>(dst, n);
+  to_packed<rounding::without_state, true>(dst, n);
 }
 
 void MVK_r4_inv_rfft_nn(float *src, float *dst, uint32_t n) {
-  from_packed<false>(src, n);
+  from_packed<rounding::without_state, false>(src, n);
   run(MVK_r4_cplx_inv_unscaled(n), dst, src, n);
 }
 void MVK_r4_inv_rfft_half_n(float *src, float *dst, uint32_t n) { MVK_r4_inv_rfft_nn(src, dst, n); }
 void MVK_r4_inv_rfft_nn_s(float *src, float *dst, uint32_t n) {
-  from_packed<true>(src, n);
+  from_packed<rounding::without_state, true>(src, n);
   run(MVK_r4_cplx_inv_scaled(n), dst, src, n);
 }
