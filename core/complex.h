@@ -46,11 +46,12 @@ MVK_INLINE cpx<V> reversed(cpx<V> z) {
 // Lane 0 at the pair p, lane 1 before it, and so on.
 template <class V>
 MVK_INLINE cpx<V> load_complex_descending(const float *p) {
-  return reversed(load_complex<V>(p - 2 * (lanes<V> - 1)));
+  const halves<V> z = load_pairs_descending<V>(p);
+  return {z.lo, z.hi};
 }
 template <class V>
 MVK_INLINE void store_complex_descending(float *p, cpx<V> z) {
-  store_complex(p - 2 * (lanes<V> - 1), reversed(z));
+  store_pairs_descending(p, z.re, z.im);
 }
 
 }  // namespace mvk

@@ -12,6 +12,7 @@
 //   load_once<V>(p)              the same, held in a register from there on
 //   load_descending<V>(p),       lane 0 at p, lane 1 before it, and so on
 //   store_descending(p, v)
+//   load_every_fourth<V>(p)      lanes p[0], p[4] and so on; what lies between is read
 //   V(x)                         x in every lane; a float beside a V becomes one
 //   a + b, a - b, a * b, a / b   one rounding each
 //   fma(a, b, c)                 a * b + c, one rounding
@@ -29,6 +30,8 @@
 //                                lanes of the processor's own
 //   join_pairs(e, o)             its inverse
 //   split_lane<V>[l]             where in memory lane l of that order comes from
+//   load_pairs_descending<V>(p), {even, odd} lanes of the pair at p, of that before it, and so
+//   store_pairs_descending(p, e, o)    on, in the order of lanes
 //   natural_order(v)             from that order of lanes to the order in memory; it
 //                                is its own inverse
 //   load_split_pairs<V>(p)             split_pairs of the pairs at p, as many as lanes
@@ -85,7 +88,13 @@ struct halves {
 template <class V>
 V load(const float *p);
 template <class V>
+V load_descending(const float *p);
+template <class V>
+V load_every_fourth(const float *p);
+template <class V>
 halves<V> load_split_pairs(const float *p);
+template <class V>
+halves<V> load_pairs_descending(const float *p);
 template <class V>
 halves<V> load_next(const float *&p);
 template <class V>
@@ -133,6 +142,29 @@ MVK_INLINE V load_descending(const float *p) {
 template <class V>
 MVK_INLINE void store_descending(float *p, V a) {
   store(p - (lanes<V> - 1), reverse(a));
+}
+
+template <class V>
+MVK_INLINE V load_every_fourth(const float *p) {
+  if constexpr (lanes<V> == 1) {
+    return *p;
+  } else {
+    const auto every_second = [](V a, V b) MVK_INLINED_LAMBDA {
+      return natural_order(split_pairs(a, b).lo);
+    };
+    return every_second(every_second(load<V>(p), load<V>(p + lanes<V>)),
+                        every_second(load<V>(p + 2 * lanes<V>), load<V>(p + 3 * lanes<V>)));
+  }
+}
+
+template <class V>
+MVK_INLINE halves<V> load_pairs_descending(const float *p) {
+  const halves<V> z = load_split_pairs<V>(p - 2 * (lanes<V> - 1));
+  return {reverse(natural_order(z.lo)), reverse(natural_order(z.hi))};
+}
+template <class V>
+MVK_INLINE void store_pairs_descending(float *p, V even, V odd) {
+  store_interleaved(p - 2 * (lanes<V> - 1), reverse(even), reverse(odd));
 }
 
 template <class V>

@@ -17,20 +17,6 @@ using namespace mvk;
 
 namespace {
 
-// Lanes p, p + 4 and so on; what lies between them is read.
-template <class V>
-MVK_INLINE V every_fourth(const float *p) {
-  if constexpr (lanes<V> == 1) {
-    return *p;
-  } else {
-    const auto every_second = [](V a, V b) MVK_INLINED_LAMBDA {
-      return natural_order(split_pairs(a, b).lo);
-    };
-    return every_second(every_second(load<V>(p), load<V>(p + lanes<V>)),
-                        every_second(load<V>(p + 2 * lanes<V>), load<V>(p + 3 * lanes<V>)));
-  }
-}
-
 // Calls body.operator()<V>(k) for vectors of k from first to last - 1, the last ones of which
 // may be done twice: what is read is never written.
 template <class Body>
@@ -72,8 +58,8 @@ MVK_INLINE angles<V> of_mirrored_k(const lengths &l, std::size_t k) {
 }
 template <class V>
 MVK_INLINE angles<V> of_4k(const lengths &l, std::size_t k) {
-  return {every_fourth<V>(l.t + 4 * k),
-          reverse(every_fourth<V>(l.t + l.N - 4 * k - 4 * (lanes<V> - 1)))};
+  return {load_every_fourth<V>(l.t + 4 * k),
+          reverse(load_every_fourth<V>(l.t + l.N - 4 * k - 4 * (lanes<V> - 1)))};
 }
 
 // Parts of Z[k] and Z[H - k] that the two steps between a complex and a real spectrum share:
@@ -99,9 +85,9 @@ struct parts {
 void fold(float *z, const float *x, const lengths &l) {
   if (l.H < 2) return;
   counted<native>(2 * l.Q, [=, N = l.N]<class V>(std::size_t j) {
-    const auto [even, odd] = deinterleave(load<V>(x + 2 * j), load<V>(x + 2 * j + lanes<V>));
-    store(z + j, even);
-    store_descending(z + N - 1 - j, odd);
+    const float *const last = x + 2 * (j + lanes<V> - 1);
+    store(z + j, load_complex<V>(x + 2 * j).re);
+    store(z + N - lanes<V> - j, load_complex_descending<V>(last).im);
   });
 }
 
@@ -164,8 +150,7 @@ void rotate_and_merge(float *z, const float *x, const lengths &l) {
                                    of_mirrored_k<V>(l, k));
       const parts<V> p(a, b, of_4k<V>(l, k));
       store_interleaved(z + 2 * k, p.half_sum_less_v(), p.u_and_half_difference());
-      store_interleaved(z + 2 * (l.H - k - (lanes<V> - 1)), reverse(p.half_sum_and_v()),
-                        reverse(p.u_less_half_difference()));
+      store_pairs_descending(z + 2 * (l.H - k), p.half_sum_and_v(), p.u_less_half_difference());
     });
   for (std::size_t k = l.Q < 1 ? 1 : l.Q; k + l.Q <= l.H && k < l.H; ++k) {
     const cpx<float> w = rotate_back(x[k], x[l.N - k], of_k<float>(l, k));

@@ -173,6 +173,36 @@ inline void store_interleaved(float *p, V even, V odd) {
   store(p + sizeof(V) / sizeof *p, hi);
 }
 
+// The halves change places on their way from memory, or as pairs.
+template <>
+inline f32x8 load_descending<f32x8>(const float *p) {
+  return {_mm256_permute_ps(_mm256_loadu2_m128(p - 7, p - 3), 0x1b)};
+}
+template <>
+inline f32x8 load_every_fourth<f32x8>(const float *p) {
+  const f32x8 first = split_pairs(load<f32x8>(p), load<f32x8>(p + 8)).lo;
+  const f32x8 second = split_pairs(load<f32x8>(p + 16), load<f32x8>(p + 24)).lo;
+  return {_mm256_permutevar8x32_ps(split_pairs(first, second).lo.v,
+                                   _mm256_setr_epi32(0, 4, 1, 5, 2, 6, 3, 7))};
+}
+template <>
+inline halves<f32x8> load_pairs_descending<f32x8>(const float *p) {
+  const __m256 near = _mm256_loadu_ps(p - 6), far = _mm256_loadu_ps(p - 14);
+  const auto turned = [](__m256 pairs) {
+    return f32x8(_mm256_castpd_ps(_mm256_permute4x64_pd(_mm256_castps_pd(pairs), 0x72)));
+  };
+  return {turned(_mm256_shuffle_ps(near, far, 0x22)), turned(_mm256_shuffle_ps(near, far, 0x77))};
+}
+inline void store_pairs_descending(float *p, f32x8 even, f32x8 odd) {
+  const auto swapped = [](__m256 pairs) {
+    return _mm256_castpd_ps(_mm256_permute_pd(_mm256_castps_pd(pairs), 0x5));
+  };
+  const __m256 lower = swapped(_mm256_unpacklo_ps(even.v, odd.v));
+  const __m256 upper = swapped(_mm256_unpackhi_ps(even.v, odd.v));
+  _mm256_storeu_ps(p - 6, _mm256_permute2f128_ps(upper, lower, 0x20));
+  _mm256_storeu_ps(p - 14, _mm256_permute2f128_ps(upper, lower, 0x31));
+}
+
 inline f32x4 operator-(f32x4 a) { return {_mm_xor_ps(a.v, _mm_set1_ps(-0.0f))}; }
 inline f32x8 operator-(f32x8 a) { return {_mm256_xor_ps(a.v, _mm256_set1_ps(-0.0f))}; }
 inline f32x4 abs(f32x4 a) { return {_mm_andnot_ps(_mm_set1_ps(-0.0f), a.v)}; }

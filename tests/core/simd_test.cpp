@@ -201,6 +201,13 @@ TYPED_TEST(Arranged, DescendingSamplesBeginAtTheLast) {
   EXPECT_EQ(back, memory);
 }
 
+TYPED_TEST(Arranged, EveryFourthSampleFillsAVector) {
+  using V = TypeParam;
+  float memory[4 * mvk::lanes<V>];
+  std::iota(memory, std::end(memory), 0.0f);
+  EXPECT_EQ(to_array(mvk::load_every_fourth<V>(memory)), ramp<V>(0, 4));
+}
+
 TYPED_TEST(Arranged, ReverseTurnsTheLanesRound) {
   constexpr int n = mvk::lanes<TypeParam>;
   EXPECT_EQ(to_array(mvk::reverse(from_array<TypeParam>(ramp<TypeParam>(0)))),
