@@ -8,6 +8,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <numbers>
+#include <ostream>
 #include <span>
 #include <vector>
 
@@ -61,6 +62,8 @@ struct HybridMode {
   uint32_t flags;
   std::vector<HybridSubBand> sub_bands;
 };
+/* As a parameter of a test. */
+inline void PrintTo(const HybridMode &mode, std::ostream *out) { *out << mode.name; }
 
 inline const std::vector<HybridMode> &HybridModes() {
   constexpr auto k8 = HybridFilter::k8Way, k4 = HybridFilter::k4Way, k2 = HybridFilter::k2Way;
