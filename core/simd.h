@@ -26,6 +26,8 @@
 //   interleave(a, b)             {a0 b0 a1 b1 ..., the upper half likewise}
 //   deinterleave(a, b)           its inverse: {even lanes, odd lanes}
 //   transpose(rows)              square block of as many rows as lanes, in place
+//   interleave_pairs(a, b)       {pair 0 of a, pair 0 of b, ...}, within each half of an
+//                                eight-lane one
 //   split_pairs(a, b)            {even lanes, odd lanes} of a b, but in an order of
 //                                lanes of the processor's own
 //   join_pairs(e, o)             its inverse

@@ -10,6 +10,7 @@
 // registers; the first transposes as it stores, and the last interleaves.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 
 #include "fft/butterflies.h"
@@ -19,6 +20,41 @@
 namespace mvk {
 
 // ---- The first pass -----------------------------------------------------------
+
+// Stores rows of R bins, R not a multiple of 4, as pairs. The rows stand in the lanes of y, in
+// split order.
+template <int R, class V>
+MVK_INLINE void store_rows_of_pairs(float *to, cpx<V> (&y)[R]) {
+  constexpr int n = lanes<V>, half = n / 2;
+  // Bin p of all rows, in their order.
+  halves<V> bin[R];
+  unrolled<R>([&](auto p) { bin[p] = join_pairs(y[p].re, y[p].im); });
+  const auto place = [to](int row, int p) { return to + 2 * (row * R + p); };
+  // Bins p and p + 1 of half the rows, the first one being `row`.
+  const auto store_two_bins = [&](int row, int p, V a, V b) MVK_INLINED_LAMBDA {
+    const halves<V> z = interleave_pairs(a, b);
+    if constexpr (n == 4) {
+      store(place(row, p), z.lo);
+      store(place(row + 1, p), z.hi);
+    } else {
+      store(place(row, p), lower(z.lo));
+      store(place(row + 1, p), lower(z.hi));
+      store(place(row + 2, p), upper(z.lo));
+      store(place(row + 3, p), upper(z.hi));
+    }
+  };
+  unrolled<R / 2>([&](auto i) {
+    constexpr int p = 2 * i;
+    store_two_bins(0, p, bin[p].lo, bin[p + 1].lo);
+    store_two_bins(half, p, bin[p].hi, bin[p + 1].hi);
+  });
+  if constexpr (R % 2 == 1) {
+    float last[2 * n];
+    store(last, bin[R - 1].lo);
+    store(last + n, bin[R - 1].hi);
+    for (int row = 0; row < n; ++row) std::copy_n(last + 2 * row, 2, place(row, R - 1));
+  }
+}
 
 // Stores the rows of R bins whose transforms stand in the lanes of y, lane l being row
 // r + split_lane<V>[l].
@@ -57,10 +93,12 @@ MVK_INLINE void store_rows(float *work, std::size_t r, cpx<V> (&y)[R]) {
       transpose_fours(re);
       transpose_fours(im);
       unrolled<4>([&](auto l) {
-        if constexpr (n == 4) {
+        // Groups of two rows have every second one, as lanes l and l + 4 of eight do.
+        if constexpr (n == 4 && R == 4 && G == 8) {
+          store_elements<G>(work, r * R + 8 * (l % 2) + 4 * (l / 2), cpx<V>{re[l], im[l]});
+        } else if constexpr (n == 4) {
           store_elements<G>(work, row(l) + p, cpx<V>{re[l], im[l]});
         } else if constexpr (G == 8) {
-          // Two rows in one group, the second being lane l + 4's.
           store_elements<G>(work, r * R + 8 * l, cpx<V>{re[l], im[l]});
         } else {
           store_elements<G>(work, row(l) + p, cpx{lower(re[l]), lower(im[l])});
@@ -69,12 +107,7 @@ MVK_INLINE void store_rows(float *work, std::size_t r, cpx<V> (&y)[R]) {
       });
     });
   } else {
-    float re[n], im[n];
-    unrolled<R>([&](auto p) {
-      store(re, y[p].re);
-      store(im, y[p].im);
-      for (int l = 0; l < n; ++l) store_elements<G>(work, row(l) + p, cpx{re[l], im[l]});
-    });
+    store_rows_of_pairs(work + 2 * r * R, y);
   }
 }
 
@@ -112,15 +145,16 @@ MVK_INLINE void transform_inputs(const cpx<V> (&x)[R], float scale, cpx<V> (&y)[
   });
 }
 
-// Rows of R bins out of the n input pairs at src. The last rows are made once more if they don't
-// fill a vector, since that is quicker than a loop for them, and the inputs still stand.
+// Rows of R bins out of the n input pairs at src. Last rows that don't fill a vector, or half of
+// one, fill it with rows that are made once more: that is quicker than a loop for them, and the
+// inputs still stand.
 template <int R, bool inverse, bool scaled, class V, int G, bool split>
 [[gnu::noinline]] void first_pass(float *work, const float *src, std::size_t n, float scale) {
   const std::size_t rows = n / R;
-  const auto make_rows = [=](std::size_t r) MVK_INLINED_LAMBDA {
-    cpx<V> x[R], y[R];
+  const auto make_rows = [=]<class W>(std::size_t r, W) MVK_INLINED_LAMBDA {
+    cpx<W> x[R], y[R];
     unrolled<R>([&](auto m) {
-      const halves<V> z = load_split_pairs<V>(src + 2 * (r + m * rows));
+      const halves<W> z = load_split_pairs<W>(src + 2 * (r + m * rows));
       x[m].re = z.lo;
       x[m].im = z.hi;
     });
@@ -128,8 +162,12 @@ template <int R, bool inverse, bool scaled, class V, int G, bool split>
     store_rows<R, G, split>(work, r, y);
   };
   std::size_t r = 0;
-  for (; r + lanes<V> <= rows; r += lanes<V>) make_rows(r);
-  if (r < rows) make_rows(rows - lanes<V>);
+  for (; r + lanes<V> <= rows; r += lanes<V>) make_rows(r, V{});
+  if (r == rows) return;
+  if (lanes<V> == 8 && rows - r <= 4)
+    make_rows(rows - 4, f32x4{});
+  else
+    make_rows(rows - lanes<V>, V{});
 }
 
 // The same with a pointer to each input, which move on.
@@ -303,21 +341,39 @@ requires(pointers_move_on &&In == width)
   } while (--rows);
 }
 
-// The same for M that isn't a multiple of 4, on pairs and plain twiddles.
+// The same for M of at least 4 that isn't a multiple of it, on pairs and plain twiddles. The last
+// bins fill a vector together with some before them: they are read ahead of those, which may be
+// in place, and written behind them.
 template <class Butterfly, bool exchange>
 [[gnu::noinline]] void later_pass_of_pairs(float *out, const float *in, const float *twiddles,
                                            std::size_t M, std::size_t rows) {
   constexpr int R = Butterfly::radix;
-  for (std::size_t r = 0; r < rows; ++r)
-    counted<native>(M, [&]<class V>(std::size_t k) {
-      cpx<V> y[R];
+  const auto make_rows = [=]<class V>(V) MVK_INLINED_LAMBDA {
+    const auto make_bins = [=](std::size_t r, std::size_t k, cpx<V>(&y)[R]) MVK_INLINED_LAMBDA {
       Butterfly::apply(
           [=](int q) MVK_INLINED_LAMBDA { return load_elements<V, 1>(in, (r + q * rows) * M + k); },
           plain_twiddles<V>{twiddles + k, M}, y);
+    };
+    const auto store_bins = [=](std::size_t r, std::size_t k, cpx<V>(&y)[R]) MVK_INLINED_LAMBDA {
       unrolled<R>([&](auto p) {
         store_elements<1>(out, (r * R + p) * M + k, exchanged_if<exchange>(y[p]));
       });
-    });
+    };
+    const std::size_t last = M - lanes<V>;
+    for (std::size_t r = 0; r < rows; ++r) {
+      cpx<V> y[R], end[R];
+      make_bins(r, last, end);
+      for (std::size_t k = 0; k < last; k += lanes<V>) {
+        make_bins(r, k, y);
+        store_bins(r, k, y);
+      }
+      store_bins(r, last, end);
+    }
+  };
+  if (M >= lanes<native>)
+    make_rows(native{});
+  else
+    make_rows(f32x4{});
 }
 
 // The same for M = 4 on eight lanes, two rows at a time as the first pass has left them.

@@ -142,6 +142,13 @@ inline halves<f32x8> deinterleave(f32x8 a, f32x8 b) {
   return {{_mm256_shuffle_ps(first, second, 0x88)}, {_mm256_shuffle_ps(first, second, 0xdd)}};
 }
 
+inline halves<f32x4> interleave_pairs(f32x4 a, f32x4 b) {
+  return {{_mm_movelh_ps(a.v, b.v)}, {_mm_movehl_ps(b.v, a.v)}};
+}
+inline halves<f32x8> interleave_pairs(f32x8 a, f32x8 b) {
+  return {{_mm256_shuffle_ps(a.v, b.v, 0x44)}, {_mm256_shuffle_ps(a.v, b.v, 0xee)}};
+}
+
 // Within each half of a register, which is all that joining needs to undo.
 inline halves<f32x4> split_pairs(f32x4 a, f32x4 b) { return deinterleave(a, b); }
 inline halves<f32x8> split_pairs(f32x8 a, f32x8 b) {

@@ -60,6 +60,11 @@ inline halves<f32x4> deinterleave(f32x4 a, f32x4 b) {
   return {{vuzp1q_f32(a.v, b.v)}, {vuzp2q_f32(a.v, b.v)}};
 }
 
+inline halves<f32x4> interleave_pairs(f32x4 a, f32x4 b) {
+  return {{vcombine_f32(vget_low_f32(a.v), vget_low_f32(b.v))},
+          {vcombine_f32(vget_high_f32(a.v), vget_high_f32(b.v))}};
+}
+
 inline void transpose(f32x4 (&r)[4]) {
   const auto a = interleave(r[0], r[2]), b = interleave(r[1], r[3]);
   const auto lo = interleave(a.lo, b.lo), hi = interleave(a.hi, b.hi);

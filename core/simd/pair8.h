@@ -55,6 +55,11 @@ inline halves<f32x8> deinterleave(f32x8 a, f32x8 b) {
   return {{lo.lo, hi.lo}, {lo.hi, hi.hi}};
 }
 
+inline halves<f32x8> interleave_pairs(f32x8 a, f32x8 b) {
+  const auto lo = interleave_pairs(a.lo, b.lo), hi = interleave_pairs(a.hi, b.hi);
+  return {{lo.lo, hi.lo}, {lo.hi, hi.hi}};
+}
+
 inline halves<f32x8> split_pairs(f32x8 a, f32x8 b) { return deinterleave(a, b); }
 inline halves<f32x8> join_pairs(f32x8 even, f32x8 odd) { return interleave(even, odd); }
 template <>

@@ -79,6 +79,10 @@ inline halves<f32x4> deinterleave(f32x4 a, f32x4 b) {
   return {f32x4(a.v[0], a.v[2], b.v[0], b.v[2]), f32x4(a.v[1], a.v[3], b.v[1], b.v[3])};
 }
 
+inline halves<f32x4> interleave_pairs(f32x4 a, f32x4 b) {
+  return {f32x4(a.v[0], a.v[1], b.v[0], b.v[1]), f32x4(a.v[2], a.v[3], b.v[2], b.v[3])};
+}
+
 inline void transpose(f32x4 (&r)[4]) {
   for (int i = 0; i < 4; ++i)
     for (int j = i + 1; j < 4; ++j) std::swap(r[i].v[j], r[j].v[i]);

@@ -226,6 +226,20 @@ TYPED_TEST(Arranged, InterleaveAlternatesAndDeinterleaveUndoesIt) {
   EXPECT_EQ(to_array(apart.hi), to_array(odd));
 }
 
+TYPED_TEST(Arranged, PairsAlternateWithinHalves) {
+  using V = TypeParam;
+  constexpr int n = mvk::lanes<V>;
+  const mvk::halves<V> mixed =
+      mvk::interleave_pairs(from_array<V>(ramp<V>(0)), from_array<V>(ramp<V>(100)));
+  const array_of<V> even = to_array(mixed.lo), odd = to_array(mixed.hi);
+  for (int l = 0; l < n; ++l) {
+    // The first two of each four lanes come from the first operand.
+    const float pair = static_cast<float>(l / 4 * 4 + l % 2 + (l % 4 < 2 ? 0 : 100));
+    EXPECT_EQ(even[l], pair) << "lane " << l;
+    EXPECT_EQ(odd[l], pair + 2) << "lane " << l;
+  }
+}
+
 TYPED_TEST(Arranged, SplitPairsAreOrderedByNaturalOrderAndJoinedAgain) {
   using V = TypeParam;
   constexpr int n = mvk::lanes<V>;
