@@ -42,7 +42,7 @@ using mvk::strided;
 using mvk::window_length;
 
 constexpr std::size_t alignment = 32;
-constexpr int first_windows = 32;  // at least as many as the samples that a window looks back
+constexpr int first_windows = 32;  // a step of the filters, longer than what a window looks back
 constexpr std::uint64_t arena_overhead = 20536;
 
 // The arena stays within the queried size wherever it starts: two alignments
